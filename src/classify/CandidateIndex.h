@@ -1,0 +1,48 @@
+// The candidate search for many files against one list of folders: built once, then asked for each file. The answers
+// are those of PickCandidateFolder, for every input.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <string>
+#include <string_view>
+
+#include "classify/NameSimilarity.h"
+
+namespace kinsort {
+
+struct CandidateMatch {
+    int folder = -1;  // index in the folder list; -1 when nothing scores above 0
+    int score = 0;
+};
+
+// The best folder and the best of the others; for showing how sure a choice is.
+struct CandidatePair {
+    CandidateMatch best;
+    CandidateMatch runnerUp;  // highest score among the folders but `best`, first wins
+};
+
+class CandidateIndex {
+  public:
+    // Copies what it needs; `normalizer` must outlive the index.
+    CandidateIndex(const NameNormalizer& normalizer, std::span<const std::u16string> folderNames);
+    ~CandidateIndex();
+    CandidateIndex(const CandidateIndex&) = delete;
+    CandidateIndex& operator=(const CandidateIndex&) = delete;
+
+    CandidateMatch FindBest(std::u16string_view fileName) const;
+    CandidatePair FindBestTwo(std::u16string_view fileName) const;
+    // matches[i] is the answer for fileNames[i]; works in blocks on up to `threads` threads, 0 = as many as there are
+    // processors. `matches` is as long as `fileNames`.
+    void FindBestOfAll(std::span<const std::u16string_view> fileNames, std::span<CandidateMatch> matches,
+                       unsigned threads) const;
+
+    size_t MemoryBytes() const;  // what the index holds
+
+  private:
+    struct Data;
+    std::unique_ptr<const Data> data_;
+};
+
+}  // namespace kinsort

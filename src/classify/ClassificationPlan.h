@@ -1,0 +1,39 @@
+// The plan: the items that are to be sorted, in the order in which they arrived, each with the sub-folder it goes to.
+#pragma once
+
+#include <cstddef>
+#include <deque>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <vector>
+
+namespace kinsort {
+
+// One row of the plan.
+struct CmdListItem {
+    int nIcon = -1;                             // index in the system's small-icon list; -1 = not fetched yet
+    std::u16string strName;                     // what stands behind the last separator of strPath
+    std::u16string strPath;                     // full path as it was handed in
+    std::vector<std::u16string> arrCandidates;  // target sub-folder names; after a search one or none
+};
+
+// The container of the rows. Adding, removing and everything about nIcon happen under m_csItems; strName, strPath and
+// arrCandidates are read and written on the thread that owns the plan only.
+class ClassificationPlan {
+  public:
+    void AddItem(std::u16string path);
+    // Takes row `index` out and frees it; an index outside the plan does nothing.
+    void RemoveItem(size_t index);
+    void RemoveAll();
+    size_t GetCount() const;
+    CmdListItem& operator[](size_t index) { return *m_items[index]; }
+    const CmdListItem& operator[](size_t index) const { return *m_items[index]; }
+    std::mutex& Lock() const { return m_csItems; }
+
+  private:
+    std::deque<std::unique_ptr<CmdListItem>> m_items;
+    mutable std::mutex m_csItems;
+};
+
+}  // namespace kinsort
