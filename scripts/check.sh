@@ -14,6 +14,7 @@ case ${1-} in
 esac
 
 scripts/setup.sh
+export PYTHONDONTWRITEBYTECODE=1
 failed=0
 run() {
   echo "check: $*"
