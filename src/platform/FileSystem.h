@@ -25,11 +25,12 @@ struct FindData {
     std::u16string name;      // bare name, inner form
     uint32_t attributes = 0;  // kAttribute... bits
     uint64_t size = 0;        // bytes; 0 for a folder
-    int64_t modifiedNs = 0;   // since 1970 UTC
+    int64_t modifiedNs = 0;   // since 1970 UTC; 0 for a folder, whose time nobody asks for and would cost a call
 };
 
-// A running enumeration: the entries that match, "." and ".." included when the pattern matches them, in the order of
-// the upper-cased code units of their names.
+// A running enumeration: the entries that match, in the order of the upper-cased code units of their names (then of the
+// units themselves). "." and ".." come first where the pattern matches them, except in the root of a drive, which has
+// none. An entry that vanishes meanwhile is left out.
 class FolderSearch {
   public:
     virtual ~FolderSearch() = default;
@@ -41,15 +42,17 @@ class FileSystem {
   public:
     virtual ~FileSystem() = default;
 
-    // Attribute bits of what the path names, links followed; kInvalidAttributes when it does not exist.
+    // Attribute bits of what the path names, links followed; kInvalidAttributes when it does not exist. A link that
+    // leads nowhere does exist: a file with the reparse bit.
     virtual uint32_t GetAttributes(std::u16string_view path) = 0;
     // Starts an enumeration. The last component may hold "*" and "?", matched without regard to ASCII case; without a
-    // wildcard it finds the one entry. Doubled separators are one. kNotFound when nothing matches or the folder is
-    // not there.
+    // wildcard it finds the one entry; a drive's root is no entry. "*.*" is "*". Doubled separators are one. kNotFound
+    // when nothing matches or the folder is not there.
     virtual Result<std::unique_ptr<FolderSearch>> OpenSearch(std::u16string_view pattern) = 0;
     // Creates one folder; kExists when the name is taken, kNotFound when the folder above is missing.
     virtual Status CreateFolder(std::u16string_view path) = 0;
-    // The absolute form of a path against the current folder, "." and ".." resolved as text, "/" turned into "\".
+    // The absolute form of a path against the current folder, "." and ".." resolved as text, "/" turned into "\"
+    // (text/PathSyntax.h). Fails when the path needs the current folder and that is gone.
     virtual Result<std::u16string> ResolveFullPath(std::u16string_view path) = 0;
     // The current folder, inner form, without a trailing separator unless it is a drive root.
     virtual std::u16string CurrentFolder() = 0;

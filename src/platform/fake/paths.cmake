@@ -1,0 +1,1 @@
+kinsort_library(fake_paths SOURCES MemoryFileSystem.cpp DEPS kinsort_platform)

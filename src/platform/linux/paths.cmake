@@ -1,0 +1,9 @@
+# The system's number as a Status: its own small library, because everything on this platform needs it.
+if(NOT TARGET kinsort_linux_error)
+  add_library(kinsort_linux_error STATIC LinuxError.cpp)
+  target_link_libraries(kinsort_linux_error PUBLIC kinsort_platform)
+endif()
+
+kinsort_library(linux_paths SOURCES LinuxClock.cpp LinuxFileSystem.cpp LinuxPathCodec.cpp PathWalk.cpp
+  DEPS kinsort_platform kinsort_linux_error)
+target_link_libraries(kinsort_linux_paths PRIVATE ICU::uc)
