@@ -1,0 +1,1 @@
+kinsort_library(fake_locale DEPS kinsort_platform)
