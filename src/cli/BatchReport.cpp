@@ -1,0 +1,158 @@
+#include "cli/BatchReport.h"
+
+namespace kinsort {
+namespace {
+
+bool HasSubject(BatchAction action) {
+    return action != BatchAction::kCopy && action != BatchAction::kMove;
+}
+
+std::string FailureLine(const CliContext& context, const BatchReport& report, const ItemReport& item) {
+    std::string line =
+        context.ShownPath(item.source) + ": " + OutcomeText(item.outcome, report.action) + ": " + ReasonText(item);
+    if (!item.status.path().empty() && item.status.path() != item.source) {
+        line += " (" + context.ShownPath(item.status.path()) + ")";
+    }
+    return line;
+}
+
+void PrintAdvice(CliContext& context, const BatchReport& report) {
+    const BatchResult& result = report.result;
+    if (result.done == 0 || context.console.isQuiet()) return;
+    const std::string id = std::to_string(HasSubject(report.action) ? report.subject : result.id);
+    context.console.Print(report.action == BatchAction::kUndo ? "Do it again with: kinsort redo " + id + "\n"
+                                                              : "Take it back with: kinsort undo " + id + "\n");
+}
+
+void WritePath(JsonWriter& json, const CliContext& context, std::string_view name, std::u16string_view path) {
+    if (!path.empty()) {
+        json.Path(name, context.NativePath(path));
+        return;
+    }
+    json.Key(name);
+    json.Null();
+}
+
+void WriteItemEnd(JsonWriter& json, std::string_view outcome, std::string_view reason, std::string_view message) {
+    json.Key("outcome");
+    json.String(outcome);
+    json.Key("reason");
+    json.String(reason);
+    json.Key("message");
+    json.String(message);
+    json.EndObject();
+}
+
+void WriteItems(JsonWriter& json, const CliContext& context, const BatchReport& report) {
+    json.BeginArray();
+    for (const ItemReport& item : report.result.reports) {
+        json.BeginObject();
+        WritePath(json, context, "item", item.source);
+        WritePath(json, context, "target", item.target);
+        WriteItemEnd(json, OutcomeKeyword(item.outcome), ReasonKeyword(item), ReasonText(item));
+    }
+    for (const std::u16string& item : report.withoutCandidate) {
+        json.BeginObject();
+        WritePath(json, context, "item", item);
+        WritePath(json, context, "target", {});
+        WriteItemEnd(json, "no-candidate", "no-candidate", "no folder has a similar name");
+    }
+    for (const MissingItem& item : report.missing) {
+        json.BeginObject();
+        json.Path("item", item.nativePath);
+        WritePath(json, context, "target", {});
+        WriteItemEnd(json, "failed", StatusKeyword(item.why.code()), StatusText(item.why));
+    }
+    json.EndArray();
+}
+
+}  // namespace
+
+void PrintReport(CliContext& context, const BatchReport& report) {
+    const BatchResult& result = report.result;
+    for (const ItemReport& item : result.reports) {
+        if (item.outcome == ItemOutcome::kNotReached && result.cancelled) continue;  // counted below
+        context.console.Say(FailureLine(context, report, item));
+    }
+    for (const std::string& warning : result.warnings)
+        context.console.Say("note: " + ShownLines(warning));
+    if (!result.status.ok()) {
+        const std::string where = result.status.path().empty() ? "" : context.ShownPath(result.status.path()) + ": ";
+        context.console.Say(where + StatusText(result.status));
+    }
+    if (result.cancelled) context.console.Say("stopped; every item is either wholly done or untouched");
+    std::string summary = DoneText(report.action, result.done);
+    const auto add = [&summary](uint64_t count, std::string_view what) {
+        if (count > 0) summary += ", " + std::to_string(count) + " " + std::string(what);
+    };
+    add(result.skipped, "skipped");
+    add(result.failed + report.missing.size(), "failed");
+    add(result.notReached, "not reached");
+    if (!context.console.isQuiet()) context.console.Print(summary + ".\n");
+    if (!report.withoutCandidate.empty()) {
+        context.console.Print(Counted(report.withoutCandidate.size(), "item") +
+                              " without a similar folder, left in place:\n");
+        for (const std::u16string& item : report.withoutCandidate)
+            context.console.Print("  " + context.ShownPath(item) + "\n");
+    }
+    PrintAdvice(context, report);
+}
+
+void WriteReport(JsonWriter& json, const CliContext& context, const BatchReport& report) {
+    const BatchResult& result = report.result;
+    const BatchId id = HasSubject(report.action) ? report.subject : result.id;
+    json.BeginObject();
+    json.Key("batch");
+    if (id == 0) {
+        json.Null();
+    } else {
+        json.Number(id);
+    }
+    json.Key("action");
+    json.String(ActionKeyword(report.action));
+    const auto number = [&json](std::string_view name, uint64_t value) {
+        json.Key(name);
+        json.Number(value);
+    };
+    number("done", result.done);
+    number("skipped", result.skipped);
+    number("failed", result.failed + report.missing.size());
+    number("not_reached", result.notReached);
+    number("no_candidate", report.withoutCandidate.size());
+    json.Key("cancelled");
+    json.Bool(result.cancelled);
+    json.Key("error");
+    if (result.status.ok()) {
+        json.Null();
+    } else {
+        json.String(StatusText(result.status));
+    }
+    json.Key("warnings");
+    json.BeginArray();
+    for (const std::string& warning : result.warnings)
+        json.String(warning);
+    json.EndArray();
+    json.Key("items");
+    WriteItems(json, context, report);
+    json.EndObject();
+}
+
+void PrintOrWriteReport(CliContext& context, const CommandLine& line, const BatchReport& report) {
+    if (!line.Has(OptionId::kJson)) {
+        PrintReport(context, report);
+        return;
+    }
+    JsonWriter json(context.console);
+    WriteReport(json, context, report);
+    json.Finish();
+}
+
+ExitCode ExitCodeOf(const BatchReport& report) {
+    const BatchResult& result = report.result;
+    if (result.done == 0) return ExitCode::kNothing;
+    const uint64_t left =
+        result.failed + result.notReached + report.unanswered + report.missing.size() + report.withoutCandidate.size();
+    return left == 0 && result.status.ok() && !result.cancelled ? ExitCode::kDone : ExitCode::kPartly;
+}
+
+}  // namespace kinsort

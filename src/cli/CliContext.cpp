@@ -1,0 +1,70 @@
+#include "cli/CliContext.h"
+
+#include "cli/CommandLine.h"
+#include "cli/ShownText.h"
+#include "cli/Texts.h"
+
+namespace kinsort {
+
+std::string_view KinsortVersion() {
+    return KINSORT_VERSION;
+}
+
+std::string CliContext::NativePath(std::u16string_view innerPath) const {
+    Result<std::string> stored = services.codec.PathToStored(innerPath);
+    return stored.ok() ? std::move(*stored) : services.codec.PathForPeople(innerPath);
+}
+
+std::string CliContext::ShownPath(std::u16string_view innerPath) const {
+    return ShownText(NativePath(innerPath));
+}
+
+std::optional<FileOperationServices> CliContext::EngineServices() {
+    // A relative value does not count: the journal must not depend on where the program was started.
+    std::string folder = services.environment("XDG_STATE_HOME");
+    if (folder.empty() || folder[0] != '/') {
+        folder = services.environment("HOME");
+        if (folder.empty() || folder[0] != '/') {
+            console.Say("there is no place for the undo journal: set HOME or XDG_STATE_HOME to a folder");
+            return std::nullopt;
+        }
+        folder += "/.local/state";
+    }
+    return FileOperationServices{services.sys, services.codec, services.clock, folder + "/vel/undo"};
+}
+
+void CliContext::WarnOfUnfinishedBatches(FileOperationServices& engine) {
+    const Result<std::vector<BatchSummary>> batches = UndoHistory(engine).List();
+    if (!batches.ok()) return;  // the verb itself will meet the same failure and say so
+    for (const BatchSummary& batch : *batches) {
+        if (batch.state != BatchState::kUnfinished) continue;
+        console.Say("batch " + std::to_string(batch.id) +
+                    " was interrupted and is unfinished; finish it or take it back with: kinsort recover");
+    }
+}
+
+int RunKinsort(CliServices& services, const std::vector<std::string>& arguments) {
+    CliContext context(services);
+    const ParsedLine parsed = ParseCommandLine(arguments);
+    if (!parsed.error.empty()) {
+        context.console.Say(ShownLines(parsed.error));
+        return static_cast<int>(ExitCode::kUsage);
+    }
+    context.console.SetQuiet(parsed.line.Has(OptionId::kQuiet));
+    services.terminal.CallOnInterrupt([](void* token) { static_cast<CancelToken*>(token)->Cancel(); }, &context.cancel);
+    CommandLine line = parsed.line;
+    if (line.Has(OptionId::kHelp)) {
+        line.operands = {std::string(line.verb->name)};
+        line.verb = FindVerb("help");
+    }
+    ExitCode code = line.verb->run(context, line);
+    const Status written = context.console.Flush();
+    if (!written.ok()) {
+        if (written.code() != StatusCode::kStale)
+            context.console.Say("the output could not be written: " + StatusText(written));
+        if (code == ExitCode::kDone) code = ExitCode::kPartly;
+    }
+    return static_cast<int>(code);
+}
+
+}  // namespace kinsort

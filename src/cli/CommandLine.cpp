@@ -1,0 +1,183 @@
+#include "cli/CommandLine.h"
+
+#include <CLI/App.hpp>
+#include <CLI/Config.hpp>
+#include <CLI/Formatter.hpp>
+#include <algorithm>
+#include <charconv>
+
+namespace kinsort {
+namespace {
+
+// The library's spelling of an option: "-t,--to".
+std::string LibraryName(const OptionSpec& spec) {
+    std::string name = "--" + std::string(spec.name);
+    return spec.letter == 0 ? name : std::string("-") + spec.letter + "," + name;
+}
+
+std::string Dashed(const OptionSpec& spec) {
+    return "--" + std::string(spec.name);
+}
+
+template <typename T>
+std::optional<T> ReadNumber(std::string_view text) {
+    T number = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+    if (error != std::errc() || end != text.data() + text.size()) return std::nullopt;
+    return number;
+}
+
+bool IsChoice(std::string_view choices, std::string_view value) {
+    while (!choices.empty()) {
+        const size_t bar = std::min(choices.find('|'), choices.size());
+        if (choices.substr(0, bar) == value) return true;
+        choices.remove_prefix(std::min(bar + 1, choices.size()));
+    }
+    return false;
+}
+
+std::string ListOfChoices(std::string_view choices) {
+    std::string text(choices);
+    for (size_t bar = text.find('|'); bar != std::string::npos; bar = text.find('|')) {
+        const bool isLast = text.find('|', bar + 1) == std::string::npos;
+        text.replace(bar, 1, isLast ? " or " : ", ");
+    }
+    return text;
+}
+
+// What is wrong with an option's value; empty when nothing is.
+std::string CheckValue(const OptionSpec& spec, const std::string& value) {
+    switch (spec.kind) {
+        case ValueKind::kNone:
+            return {};
+        case ValueKind::kFolder:
+        case ValueKind::kFile:
+            if (value.empty())
+                return Dashed(spec) + " is empty: name a " + (spec.kind == ValueKind::kFolder ? "folder" : "file");
+            return {};
+        case ValueKind::kNumber: {
+            const std::optional<int> number = ReadNumber<int>(value);
+            if (number && *number >= spec.minimum) return {};
+            return Dashed(spec) + " takes a number from " + std::to_string(spec.minimum) + ", not '" + value + "'";
+        }
+        case ValueKind::kChoice:
+            if (IsChoice(spec.value, value)) return {};
+            return Dashed(spec) + " takes " + ListOfChoices(spec.value) + ", not '" + value + "'";
+    }
+    return {};
+}
+
+std::string CheckOperands(const CommandLine& line) {
+    const size_t count = line.operands.size();
+    switch (line.verb->operand) {
+        case OperandKind::kNone:
+            return count == 0 ? "" : "takes no '" + line.operands[0] + "'";
+        case OperandKind::kItems:
+            return {};
+        case OperandKind::kBatch: {
+            if (count > 1) return "takes one batch number";
+            if (count == 0 || line.Batch() != 0) return {};
+            return "'" + line.operands[0] + "' is not a batch number; 'kinsort history' lists them";
+        }
+        case OperandKind::kVerb:
+        case OperandKind::kShell:
+            return count <= 1 ? "" : "takes one name";
+    }
+    return {};
+}
+
+// Lets the library read the options. Operands come back as what it did not recognise, so that it never interprets a
+// file's name (it would split "[a,b]").
+std::string ReadOptions(std::vector<std::string> arguments, CommandLine& line) {
+    CLI::App app;
+    app.set_help_flag();
+    app.allow_extras();
+    std::array<std::string, kOptions.size()> values;
+    std::array<CLI::Option*, kOptions.size()> options{};
+    for (const OptionId id : line.verb->options) {
+        const auto index = static_cast<size_t>(id);
+        const OptionSpec& spec = kOptions[index];
+        options[index] = spec.kind == ValueKind::kNone ? app.add_flag(LibraryName(spec))
+                                                       : app.add_option(LibraryName(spec), values[index]);
+        options[index]->multi_option_policy(CLI::MultiOptionPolicy::TakeLast);
+    }
+    std::reverse(arguments.begin(), arguments.end());  // as the library wants them
+    try {
+        app.parse(std::move(arguments));
+    } catch (const CLI::ArgumentMismatch& mismatch) {
+        return std::string(mismatch.what());
+    } catch (const CLI::ParseError& error) {
+        return std::string(error.what());
+    }
+    for (const OptionId id : line.verb->options) {
+        const auto index = static_cast<size_t>(id);
+        if (options[index]->count() == 0) continue;
+        if (const std::string wrong = CheckValue(kOptions[index], values[index]); !wrong.empty()) return wrong;
+        line.values[index] = values[index];
+    }
+    for (std::string& extra : app.remaining()) {
+        if (extra.size() > 1 && extra[0] == '-') return "there is no option '" + extra + "'";
+        line.operands.push_back(std::move(extra));
+    }
+    return {};
+}
+
+// Options that cannot stand together or are missing; rules that the tables do not hold.
+std::string CheckTogether(const CommandLine& line) {
+    const auto countOf = [&line](std::initializer_list<OptionId> ids) {
+        return std::count_if(ids.begin(), ids.end(), [&line](OptionId id) { return line.Has(id); });
+    };
+    const auto takes = [&line](OptionId id) {
+        return std::find(line.verb->options.begin(), line.verb->options.end(), id) != line.verb->options.end();
+    };
+    if (line.Has(OptionId::kHelp)) return {};
+    if (takes(OptionId::kTo) && !line.Has(OptionId::kTo)) {
+        return "name the folder whose sub-folders the items go into: --to DIR";
+    }
+    if (countOf({OptionId::kCopy, OptionId::kMove}) > 1) return "choose one of --copy and --move";
+    if (takes(OptionId::kCopy) && countOf({OptionId::kCopy, OptionId::kMove, OptionId::kDryRun}) == 0) {
+        return "say what to do with the items: --copy or --move";
+    }
+    if (countOf({OptionId::kFinish, OptionId::kUndo, OptionId::kLeave}) > 1) {
+        return "choose one of --finish, --undo and --leave";
+    }
+    return {};
+}
+
+}  // namespace
+
+int CommandLine::Number(OptionId id, int otherwise) const {
+    return Has(id) ? ReadNumber<int>(Value(id)).value_or(otherwise) : otherwise;
+}
+
+uint64_t CommandLine::Batch() const {
+    return operands.empty() ? 0 : ReadNumber<uint64_t>(operands[0]).value_or(0);
+}
+
+ParsedLine ParseCommandLine(std::span<const std::string> arguments) {
+    ParsedLine parsed;
+    CommandLine& line = parsed.line;
+    if (arguments.empty() || arguments[0] == "--help" || arguments[0] == "-h" || arguments[0] == "--version") {
+        line.verb = FindVerb("help");
+        if (!arguments.empty() && arguments[0] == "--version") line.operands = {"--version"};
+        return parsed;
+    }
+    line.verb = FindVerb(arguments[0]);
+    if (line.verb == nullptr) {
+        parsed.error = "there is no command '" + arguments[0] + "'; 'kinsort help' lists them";
+        return parsed;
+    }
+    const auto rest = arguments.subspan(1);
+    const auto marker = std::find(rest.begin(), rest.end(), "--");
+    parsed.error = ReadOptions({rest.begin(), marker}, line);
+    if (marker != rest.end()) line.operands.insert(line.operands.end(), marker + 1, rest.end());
+    if (parsed.error.empty()) parsed.error = CheckOperands(line);
+    if (parsed.error.empty()) parsed.error = CheckTogether(line);
+    if (!parsed.error.empty()) {
+        parsed.error = std::string(line.verb->name) + ": " + parsed.error + "\nTry 'kinsort help " +
+                       std::string(line.verb->name) + "'.";
+    }
+    return parsed;
+}
+
+}  // namespace kinsort

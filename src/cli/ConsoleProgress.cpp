@@ -1,0 +1,115 @@
+#include "cli/ConsoleProgress.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstdio>
+
+namespace kinsort {
+namespace {
+
+constexpr int64_t kLineIntervalNs = 5'000'000'000;
+constexpr size_t kShortestBar = 10;
+constexpr size_t kLongestBar = 40;
+constexpr double kLongestShown = 100.0 * 3600;  // seconds; beyond that nobody believes the number
+
+std::string_view Doing(BatchAction action) {
+    constexpr std::array<std::string_view, 5> kWords = {"Copying", "Moving", "Taking back", "Doing again", "Finishing"};
+    return kWords[static_cast<size_t>(action)];
+}
+
+double FractionOf(const ProgressState& state) {
+    const bool byBytes = state.bytesTotal > 0;
+    const auto total = static_cast<double>(byBytes ? state.bytesTotal : state.itemsTotal);
+    const auto done = static_cast<double>(byBytes ? state.bytesDone : state.itemsDone);
+    return total > 0 ? std::clamp(done / total, 0.0, 1.0) : 0.0;
+}
+
+std::string Details(const ProgressState& state) {
+    std::string text = std::to_string(state.itemsDone) + " of " + Counted(state.itemsTotal, "item");
+    if (state.bytesPerSecond > 0) {
+        text += ", " + FormatSize(state.bytesPerSecond) + "/s";
+    } else if (state.itemsPerSecond >= 1) {
+        text += ", " + std::to_string(std::llround(state.itemsPerSecond)) + " items/s";
+    }
+    if (state.secondsLeft >= 0 && state.secondsLeft < kLongestShown) {
+        text += ", " + FormatDuration(state.secondsLeft) + " left";
+    }
+    return text;
+}
+
+}  // namespace
+
+std::string FormatSize(double bytes) {
+    constexpr std::array<const char*, 7> kUnits = {"B", "kB", "MB", "GB", "TB", "PB", "EB"};
+    size_t unit = 0;
+    while (bytes >= 999.5 && unit + 1 < kUnits.size()) {
+        bytes /= 1000;
+        ++unit;
+    }
+    std::array<char, 32> text{};
+    std::snprintf(text.data(), text.size(), unit == 0 || bytes >= 99.95 ? "%.0f %s" : "%.1f %s", bytes, kUnits[unit]);
+    return text.data();
+}
+
+std::string FormatDuration(double seconds) {
+    const long long whole = std::llround(seconds);
+    std::array<char, 48> text{};
+    if (whole >= 3600) {
+        std::snprintf(text.data(), text.size(), "%lld:%02lld:%02lld", whole / 3600, whole / 60 % 60, whole % 60);
+    } else {
+        std::snprintf(text.data(), text.size(), "%lld:%02lld", whole / 60, whole % 60);
+    }
+    return text.data();
+}
+
+std::string FormatProgressLine(BatchAction action, const ProgressState& state) {
+    if (state.phase == BatchPhase::kPlanning) return "Looking: " + Counted(state.itemsTotal, "item");
+    if (state.phase == BatchPhase::kSyncing) return "Making it safe on the disk: " + Counted(state.itemsDone, "item");
+    return std::string(Doing(action)) + ": " + Details(state);
+}
+
+std::string FormatProgressBar(BatchAction action, const ProgressState& state, size_t columns) {
+    if (state.phase != BatchPhase::kRunning) return FormatProgressLine(action, state).substr(0, columns);
+    const double fraction = FractionOf(state);
+    std::array<char, 8> percent{};
+    std::snprintf(percent.data(), percent.size(), "%3d%%", static_cast<int>(fraction * 100));
+    std::string line = std::string(Doing(action)) + " " + percent.data() + " ";
+    const std::string details = Details(state);
+    const size_t taken = line.size() + details.size() + 3;  // brackets and a blank
+    if (taken + kShortestBar <= columns) {
+        const size_t length = std::min(columns - taken, kLongestBar);
+        const auto filled = static_cast<size_t>(fraction * static_cast<double>(length));
+        line += "[" + std::string(filled, '#') + std::string(length - filled, ' ') + "] ";
+    }
+    return (line + details).substr(0, columns);
+}
+
+ConsoleProgress::ConsoleProgress(CliContext& context, BatchAction action)
+    : context_(context),
+      action_(action),
+      isTerminal_(context.services.terminal.IsTerminal(Stream::kMessages)),
+      lastLineNs_(context.services.clock.SteadyNanoseconds()) {}
+
+void ConsoleProgress::Report(const ProgressState& state) {
+    if (context_.console.isQuiet()) return;
+    if (isTerminal_) {
+        // The last column stays free: some terminals wrap when it is written.
+        const auto columns = static_cast<size_t>(std::max(context_.services.terminal.WindowColumns() - 1, 0));
+        context_.console.PutMessage("\r\x1B[K" + FormatProgressBar(action_, state, columns));
+        isDrawn_ = true;
+        return;
+    }
+    const int64_t now = context_.services.clock.SteadyNanoseconds();
+    if (now - lastLineNs_ < kLineIntervalNs) return;
+    lastLineNs_ = now;
+    context_.console.Note(FormatProgressLine(action_, state));
+}
+
+void ConsoleProgress::Clear() {
+    if (!isDrawn_) return;
+    context_.console.PutMessage("\r\x1B[K");
+    isDrawn_ = false;
+}
+
+}  // namespace kinsort

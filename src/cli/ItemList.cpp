@@ -1,0 +1,131 @@
+#include "cli/ItemList.h"
+
+#include <algorithm>
+#include <optional>
+
+#include "cli/FileUri.h"
+#include "cli/ShownText.h"
+#include "cli/Texts.h"
+#include "text/PathSyntax.h"
+
+namespace kinsort {
+namespace {
+
+constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+
+std::vector<std::string> SplitAt(std::string_view content, char end) {
+    std::vector<std::string> items;
+    while (!content.empty()) {
+        const size_t length = std::min(content.find(end), content.size());
+        if (length > 0) items.emplace_back(content.substr(0, length));
+        content.remove_prefix(std::min(length + 1, content.size()));
+    }
+    return items;
+}
+
+// Looks whether items exist, links not followed; keeps the last folder open, since selections share one.
+class ExistenceCheck {
+  public:
+    explicit ExistenceCheck(CliServices& services) : services_(services) {}
+
+    Status Look(const std::u16string& path) {
+        const size_t end = path.find_last_not_of(u'\\') + 1;
+        const size_t separator = std::u16string_view(path).substr(0, end).find_last_of(u'\\');
+        const std::u16string name = path.substr(separator + 1, end - separator - 1);
+        if (separator == std::u16string::npos || name.empty() || ParsePathRoot(path).remainder.empty()) {
+            return Status::Failure(StatusCode::kInvalid);
+        }
+        if (const Status opened = Open(path.substr(0, separator + 1)); !opened.ok()) return opened;
+        return services_.sys.StatAt(folder_, services_.codec.NameToStored(name)).status();
+    }
+
+  private:
+    Status Open(std::u16string parent) {
+        if (parent == parent_ && folder_.isOpen()) return {};
+        const Result<std::string> stored = services_.codec.PathToStored(parent);
+        if (!stored.ok()) return stored.status();
+        Result<FileHandle> opened = services_.sys.OpenFolder(*stored);
+        if (!opened.ok()) return opened.status();
+        folder_ = std::move(*opened);
+        parent_ = std::move(parent);
+        return {};
+    }
+
+    CliServices& services_;
+    FileHandle folder_;
+    std::u16string parent_;
+};
+
+// The items as the user wrote them; nothing after a message.
+std::optional<std::vector<std::string>> TypedItems(CliContext& context, const CommandLine& line) {
+    std::vector<std::string> typed = line.operands;
+    if (!line.Has(OptionId::kFilesFrom)) return typed;
+    const std::string file = line.Value(OptionId::kFilesFrom);
+    const Result<std::string> content = context.services.terminal.ReadAll(file);
+    if (!content.ok()) {
+        if (content.code() != StatusCode::kInterrupted) {
+            context.console.Say("--files-from " + ShownText(file) + ": " + StatusText(content.status()));
+        }
+        return std::nullopt;
+    }
+    std::vector<std::string> listed = SplitItemList(*content);
+    typed.insert(typed.end(), std::make_move_iterator(listed.begin()), std::make_move_iterator(listed.end()));
+    return typed;
+}
+
+}  // namespace
+
+std::vector<std::string> SplitItemList(std::string_view content) {
+    if (content.find('\0') != std::string_view::npos) return SplitAt(content, '\0');
+    if (content.starts_with(kByteOrderMark)) content.remove_prefix(kByteOrderMark.size());
+    std::vector<std::string> items = SplitAt(content, '\n');
+    const auto endsInCr = [](const std::string& item) { return item.back() == '\r'; };
+    if (std::all_of(items.begin(), items.end(), endsInCr)) {
+        for (std::string& item : items)
+            item.pop_back();
+        std::erase(items, "");
+    }
+    return items;
+}
+
+std::string NativeOfTyped(std::string_view typed, std::string_view home) {
+    if (IsFileUri(typed)) return PathOfFileUri(typed).value_or("");
+    if (typed.starts_with("~/") && !home.empty()) return std::string(home) + std::string(typed.substr(1));
+    return std::string(typed);
+}
+
+Result<std::u16string> ResolveTyped(CliContext& context, std::string_view typed) {
+    const std::string native = NativeOfTyped(typed, context.services.environment("HOME"));
+    if (native.empty()) return Status::Failure(StatusCode::kInvalid);
+    return context.services.files.ResolveFullPath(context.services.codec.PathToInner(native));
+}
+
+ItemList CollectItems(CliContext& context, const CommandLine& line) {
+    ItemList list;
+    ExistenceCheck check(context.services);
+    const auto add = [&](Result<std::u16string> path, const std::string& shown) {
+        const Status status = path.ok() ? check.Look(*path) : path.status();
+        if (status.ok()) {
+            list.paths.push_back(std::move(*path));
+        } else {
+            list.missing.push_back({shown, status});
+        }
+    };
+    if (!line.operands.empty() || line.Has(OptionId::kFilesFrom)) {
+        const std::optional<std::vector<std::string>> typed = TypedItems(context, line);
+        list.source = typed ? ItemSource::kNamed : ItemSource::kFailed;
+        for (size_t i = 0; typed && i < typed->size() && !context.cancel.isCancelled(); ++i) {
+            add(ResolveTyped(context, (*typed)[i]), (*typed)[i]);
+        }
+    } else if (const auto handedOver = context.services.handedOverItems()) {
+        list.source = ItemSource::kHandedOver;
+        for (const std::u16string& item : *handedOver) {
+            if (context.cancel.isCancelled()) break;
+            add(context.services.files.ResolveFullPath(item), context.NativePath(item));
+        }
+    }
+    if (context.cancel.isCancelled()) list.source = ItemSource::kCancelled;
+    return list;
+}
+
+}  // namespace kinsort

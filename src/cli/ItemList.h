@@ -1,0 +1,47 @@
+// Where the items of plan and sort come from: operands, --files-from, the host's hand-off.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "cli/CliContext.h"
+#include "cli/CommandLine.h"
+
+namespace kinsort {
+
+// The items of a list. With a NUL byte in it, each item is ended by NUL and taken as it is. Otherwise items stand on
+// lines: empty lines are left out, a byte-order mark is skipped, and a CR before the line end goes when every line has
+// one.
+std::vector<std::string> SplitItemList(std::string_view content);
+
+// What the user wrote for a path: a file:// address, a path below "~/" when `home` is known, or a native path.
+// Empty when it is an address that names no local file.
+std::string NativeOfTyped(std::string_view typed, std::string_view home);
+
+struct MissingItem {
+    std::string nativePath;
+    Status why;
+};
+
+enum class ItemSource : uint8_t {
+    kNamed,       // operands and --files-from
+    kHandedOver,  // the host's selection
+    kNone,        // nobody named any
+    kFailed,      // the list could not be read; said already
+    kCancelled,
+};
+
+struct ItemList {
+    ItemSource source = ItemSource::kNone;
+    std::vector<std::u16string> paths;  // inner form, absolute; each existed when it was looked at
+    std::vector<MissingItem> missing;
+};
+
+// Collects the items. Nothing is said about missing ones.
+ItemList CollectItems(CliContext& context, const CommandLine& line);
+
+// The absolute inner form of a path that the user typed.
+Result<std::u16string> ResolveTyped(CliContext& context, std::string_view typed);
+
+}  // namespace kinsort

@@ -1,0 +1,93 @@
+#include "cli/JsonWriter.h"
+
+#include <array>
+#include <cstdio>
+#include <string>
+
+#include "cli/FileUri.h"
+#include "text/Utf8.h"
+
+namespace kinsort {
+
+// Elements of an array stand on lines of their own; that is all the layout there is.
+void JsonWriter::BeforeValue() {
+    if (afterKey_) {
+        afterKey_ = false;
+        return;
+    }
+    if (nesting_.empty()) return;
+    console_.Print(nesting_.back() == Place::kArrayStart ? "\n" : ",\n");
+    nesting_.back() = Place::kArray;
+}
+
+void JsonWriter::BeginArray() {
+    BeforeValue();
+    console_.Print("[");
+    nesting_.push_back(Place::kArrayStart);
+}
+
+void JsonWriter::EndArray() {
+    console_.Print(nesting_.back() == Place::kArrayStart ? "]" : "\n]");
+    nesting_.pop_back();
+}
+
+void JsonWriter::BeginObject() {
+    BeforeValue();
+    console_.Print("{");
+    nesting_.push_back(Place::kObjectStart);
+}
+
+void JsonWriter::EndObject() {
+    console_.Print("}");
+    nesting_.pop_back();
+}
+
+void JsonWriter::Key(std::string_view name) {
+    if (nesting_.back() == Place::kObject) console_.Print(", ");
+    nesting_.back() = Place::kObject;
+    afterKey_ = true;
+    console_.Print("\"" + std::string(name) + "\": ");
+}
+
+void JsonWriter::String(std::string_view utf8) {
+    BeforeValue();
+    const std::string text = ToUtf8(FromUtf8(utf8));
+    std::string quoted = "\"";
+    for (const char c : text) {
+        if (c == '"' || c == '\\') {
+            quoted += {'\\', c};
+        } else if (static_cast<unsigned char>(c) < 0x20 || c == 0x7F) {
+            std::array<char, 8> escape{};
+            std::snprintf(escape.data(), escape.size(), "\\u%04x", static_cast<unsigned>(c));
+            quoted += escape.data();
+        } else {
+            quoted += c;
+        }
+    }
+    console_.Print(quoted + "\"");
+}
+
+void JsonWriter::Number(uint64_t value) {
+    BeforeValue();
+    console_.Print(std::to_string(value));
+}
+
+void JsonWriter::Bool(bool value) {
+    BeforeValue();
+    console_.Print(value ? "true" : "false");
+}
+
+void JsonWriter::Null() {
+    BeforeValue();
+    console_.Print("null");
+}
+
+void JsonWriter::Path(std::string_view name, std::string_view nativePath) {
+    Key(name);
+    String(nativePath);
+    if (ToUtf8(FromUtf8(nativePath)) == nativePath) return;
+    Key(std::string(name) + "_uri");
+    String(FileUriOfPath(nativePath));
+}
+
+}  // namespace kinsort

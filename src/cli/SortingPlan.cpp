@@ -1,0 +1,96 @@
+#include "cli/SortingPlan.h"
+
+#include <algorithm>
+
+#include "cli/ShownText.h"
+#include "cli/Texts.h"
+
+namespace kinsort {
+namespace {
+
+std::u16string JoinPath(const std::u16string& folder, const std::u16string& name) {
+    return folder.ends_with(u'\\') ? folder + name : folder + u'\\' + name;
+}
+
+// The search folder; empty after a message.
+std::u16string FindSearchFolder(CliContext& context, const CommandLine& line) {
+    const std::string typed = line.Value(OptionId::kTo);
+    const Result<std::u16string> folder = ResolveTyped(context, typed);
+    const std::string shown = "--to " + ShownText(typed) + ": ";
+    if (!folder.ok()) {
+        context.console.Say(shown + StatusText(folder.status()));
+        return {};
+    }
+    const uint32_t attributes = context.services.files.GetAttributes(*folder);
+    if (attributes == kInvalidAttributes) {
+        context.console.Say(shown + "there is no such folder, or it cannot be read; check the path");
+        return {};
+    }
+    if ((attributes & kAttributeDirectory) == 0) {
+        context.console.Say(shown + "this is a file; name the folder whose sub-folders the items go into");
+        return {};
+    }
+    return *folder;
+}
+
+bool SayWhyNoItems(CliContext& context, const ItemList& items, bool hasMissing) {
+    switch (items.source) {
+        case ItemSource::kNone:
+            context.console.Say("no items: name files or folders, or give a list with --files-from");
+            return true;
+        case ItemSource::kFailed:
+            return true;
+        case ItemSource::kCancelled:
+            context.console.Say("stopped; nothing was changed");
+            return true;
+        case ItemSource::kNamed:
+        case ItemSource::kHandedOver:
+            break;
+    }
+    if (!items.paths.empty()) return false;
+    if (!hasMissing) context.console.Say("the list of items is empty; there is nothing to do");
+    return true;
+}
+
+}  // namespace
+
+std::optional<ExitCode> MakeSortingPlan(CliContext& context, const CommandLine& line, SortingPlan& plan) {
+    plan.searchFolder = FindSearchFolder(context, line);
+    if (plan.searchFolder.empty()) return ExitCode::kNothing;
+    ItemList items = CollectItems(context, line);
+    for (const MissingItem& item : items.missing) {
+        context.console.Say(ShownText(item.nativePath) + ": " + StatusText(item.why));
+    }
+    plan.missing = std::move(items.missing);
+    if (SayWhyNoItems(context, items, !plan.missing.empty())) {
+        return items.source == ItemSource::kNone ? ExitCode::kUsage : ExitCode::kNothing;
+    }
+    for (std::u16string& path : items.paths) {
+        while (path.ends_with(u'\\'))
+            path.pop_back();
+        plan.rows.AddItem(std::move(path));
+    }
+    plan.folders = ListCandidateFolders(context.services.files, plan.searchFolder);
+    const NameNormalizer normalizer(*context.services.makeLocaleMap());
+    const SearchOptions options{.minScore = line.Number(OptionId::kMinScore, 1),
+                                .threads = static_cast<unsigned>(line.Number(OptionId::kThreads, 0))};
+    if (FillCandidates(plan.rows, plan.folders, normalizer, options, &plan.scores) == SearchOutcome::kNoDirectory) {
+        context.console.Say(context.ShownPath(plan.searchFolder) +
+                            ": there are no sub-folders to sort into; create some, or choose another folder with --to");
+        return ExitCode::kNothing;
+    }
+    for (size_t i = 0; i < plan.rows.GetCount(); ++i)
+        plan.withoutCandidate += plan.rows[i].arrCandidates.empty() ? 1 : 0;
+    if (context.cancel.isCancelled()) {
+        context.console.Say("stopped; nothing was changed");
+        return ExitCode::kNothing;
+    }
+    return std::nullopt;
+}
+
+std::u16string TargetFolderOf(const SortingPlan& plan, size_t row) {
+    const std::vector<std::u16string>& candidates = plan.rows[row].arrCandidates;
+    return candidates.empty() ? std::u16string() : JoinPath(plan.searchFolder, candidates[0]);
+}
+
+}  // namespace kinsort

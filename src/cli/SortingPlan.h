@@ -1,0 +1,35 @@
+// The plan of the verbs plan and sort, and how it is shown.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "classify/CandidateSearch.h"
+#include "classify/ClassificationPlan.h"
+#include "cli/CliContext.h"
+#include "cli/CommandLine.h"
+#include "cli/ItemList.h"
+
+namespace kinsort {
+
+struct SortingPlan {
+    ClassificationPlan rows;
+    std::u16string searchFolder;          // inner form, absolute
+    std::vector<std::u16string> folders;  // names of its sub-folders
+    std::vector<CandidatePair> scores;    // one for each row
+    std::vector<MissingItem> missing;     // said already
+    size_t withoutCandidate = 0;
+};
+
+// Makes the plan from the command line. Says what is wrong with single items and goes on; when there is nothing to
+// plan, says why and returns the exit code.
+std::optional<ExitCode> MakeSortingPlan(CliContext& context, const CommandLine& line, SortingPlan& plan);
+
+// The target folder of a row, inner form; empty when the row has no candidate.
+std::u16string TargetFolderOf(const SortingPlan& plan, size_t row);
+
+// What "plan" prints, also for sort --dry-run: JSON, a table as wide as the terminal, or lines.
+void PrintPlan(CliContext& context, const CommandLine& line, const SortingPlan& plan);
+
+}  // namespace kinsort

@@ -1,0 +1,87 @@
+#include "cli/VerbTable.h"
+
+#include <algorithm>
+#include <array>
+
+namespace kinsort {
+namespace {
+
+using enum OptionId;
+
+constexpr OptionId kPlanOptions[] = {kTo, kFilesFrom, kScores, kMinScore, kThreads, kJson, kQuiet, kHelp};
+constexpr OptionId kSortOptions[] = {kTo,       kCopy,    kMove,       kOnConflict, kDryRun, kFilesFrom, kScores,
+                                     kMinScore, kThreads, kDurability, kJson,       kQuiet,  kHelp};
+constexpr OptionId kUndoOptions[] = {kJson, kQuiet, kHelp};
+constexpr OptionId kHistoryOptions[] = {kJson, kHelp};
+constexpr OptionId kRecoverOptions[] = {kFinish, kUndo, kLeave, kJson, kQuiet, kHelp};
+constexpr OptionId kHelpOptions[] = {kHelp};
+
+constexpr std::array kVerbs = {
+    VerbSpec{"plan", OperandKind::kItems, "Show which folder each item would go to",
+             "Compares the name of each item with the names of the folders directly in DIR and shows the folder whose "
+             "name looks most like it. Nothing is changed.\n\n"
+             "Names are compared without regard to case, to the kind of kana and to full or half width; digits, blanks "
+             "and brackets do not count. The score is the number of two-character pieces of the item's name that occur "
+             "in the folder's name. Of folders with the same score the first by name is taken; an item that shares "
+             "nothing with any folder has no candidate.",
+             kPlanOptions, RunPlan, false},
+    VerbSpec{"sort", OperandKind::kItems, "Copy or move each item into the folder its name looks most like",
+             "Carries out what 'kinsort plan' shows, as one batch that 'kinsort undo' takes back. Items without a "
+             "candidate stay where they are and are listed. An item that cannot be copied or moved never stops the "
+             "others.\n\n"
+             "Ctrl-C stops cleanly: every item is then either wholly done or untouched, and what was done can be "
+             "undone.",
+             kSortOptions, RunSort, false},
+    VerbSpec{"undo", OperandKind::kBatch, "Take back a batch: the newest one, or the one with the number ID",
+             "Moved items go back to where they were, copies are removed, and files that were replaced come back. An "
+             "item that was changed since is left alone and named. An undone batch can be redone.",
+             kUndoOptions, RunUndo, false},
+    VerbSpec{"redo", OperandKind::kBatch, "Do an undone batch again: the newest one, or the one with the number ID",
+             "Carries out again what 'kinsort undo' took back. An item that was changed since is left alone and named.",
+             kUndoOptions, RunRedo, false},
+    VerbSpec{"history", OperandKind::kNone, "List the batches that can be undone or redone",
+             "Lists every batch that is kept, newest first, with its number, its time and its state.", kHistoryOptions,
+             RunHistory, false},
+    VerbSpec{"recover", OperandKind::kBatch, "Finish or take back a batch that was interrupted",
+             "A batch that was torn by a crash or a power cut is found again here. Without an option you are asked "
+             "what to do with it; without a terminal to ask on it is finished. With an ID only that batch is looked "
+             "at.",
+             kRecoverOptions, RunRecover, false},
+    VerbSpec{"help", OperandKind::kVerb, "Show the help of a command", "Without a command, shows the list of commands.",
+             kHelpOptions, RunHelp, false},
+    VerbSpec{"completion", OperandKind::kShell, "Print the completion script for bash, zsh or fish",
+             "For bash: source <(kinsort completion bash). Packages install these scripts already.", kHelpOptions,
+             RunCompletion, false},
+    VerbSpec{"manual", OperandKind::kNone, "Print the manual page", "Prints the manual page in the man format.",
+             kHelpOptions, RunManual, true},
+};
+
+}  // namespace
+
+std::span<const VerbSpec> Verbs() {
+    return kVerbs;
+}
+
+const VerbSpec* FindVerb(std::string_view name) {
+    const auto* const found =
+        std::find_if(kVerbs.begin(), kVerbs.end(), [name](const VerbSpec& verb) { return verb.name == name; });
+    return found == kVerbs.end() ? nullptr : &*found;
+}
+
+std::string_view OperandText(OperandKind kind) {
+    switch (kind) {
+        case OperandKind::kNone:
+            return "";
+        case OperandKind::kItems:
+            return "[ITEM...]";
+        case OperandKind::kBatch:
+            return "[ID]";
+        case OperandKind::kVerb:
+            return "[COMMAND]";
+        case OperandKind::kShell:
+            return "SHELL";
+    }
+    return "";
+}
+
+}  // namespace kinsort

@@ -1,0 +1,106 @@
+#include <algorithm>
+
+#include "cli/BatchReport.h"
+#include "cli/CommandLine.h"
+#include "cli/ConsoleAsker.h"
+#include "cli/ConsoleProgress.h"
+#include "cli/ShownText.h"
+
+namespace kinsort {
+namespace {
+
+enum class Choice : uint8_t { kFinish, kUndo, kLeave };
+
+Choice AskChoice(CliContext& context, const BatchSummary& batch) {
+    context.console.PutMessage("Batch " + std::to_string(batch.id) + " of " + FormatLocalTime(batch.startedNs) + " (" +
+                               (batch.isMove ? "move" : "copy") + " into " + context.ShownPath(batch.searchFolder) +
+                               ") was interrupted after " + Counted(batch.done, "item") +
+                               ".\n[f]inish, [u]ndo, [l]eave: ");
+    for (;;) {
+        const Result<std::string> typed = context.services.terminal.ReadLine();
+        if (!typed.ok()) {
+            context.console.PutMessage("\n");
+            return Choice::kLeave;
+        }
+        const char letter = typed->empty() ? '\0' : (*typed)[0];
+        if (letter == 'f' || letter == 'F') return Choice::kFinish;
+        if (letter == 'u' || letter == 'U') return Choice::kUndo;
+        if (letter == 'l' || letter == 'L') return Choice::kLeave;
+        context.console.PutMessage("Please type f, u or l: ");
+    }
+}
+
+Choice ChoiceFor(CliContext& context, const CommandLine& line, const BatchSummary& batch) {
+    if (line.Has(OptionId::kFinish)) return Choice::kFinish;
+    if (line.Has(OptionId::kUndo)) return Choice::kUndo;
+    if (line.Has(OptionId::kLeave)) return Choice::kLeave;
+    return context.console.CanAsk() ? AskChoice(context, batch) : Choice::kFinish;
+}
+
+// The batches that are to be looked at. One that another process is at is named and left out.
+std::vector<BatchSummary> FindTorn(CliContext& context, const CommandLine& line,
+                                   const std::vector<BatchSummary>& batches) {
+    std::vector<BatchSummary> torn;
+    for (const BatchSummary& batch : batches) {
+        if (!line.operands.empty() && batch.id != line.Batch()) continue;
+        if (batch.state == BatchState::kUnfinished) torn.push_back(batch);
+        if (batch.state == BatchState::kRunning) {
+            context.console.Say("batch " + std::to_string(batch.id) +
+                                ": another process is working on it; wait until that is done");
+        }
+    }
+    return torn;
+}
+
+}  // namespace
+
+ExitCode RunRecover(CliContext& context, const CommandLine& line) {
+    std::optional<FileOperationServices> engine = context.EngineServices();
+    if (!engine) return ExitCode::kNothing;
+    UndoHistory history(*engine);
+    const Result<std::vector<BatchSummary>> batches = history.List();
+    if (!batches.ok()) {
+        context.console.Say(ShownText(engine->journalFolder) + ": " + StatusText(batches.status()));
+        return ExitCode::kNothing;
+    }
+    const std::vector<BatchSummary> torn = FindTorn(context, line, *batches);
+    if (torn.empty()) {
+        context.console.Say(line.operands.empty() ? "there is nothing to recover"
+                                                  : "batch " + line.operands[0] +
+                                                        " is not one that can be recovered; "
+                                                        "'kinsort history' lists the batches");
+    }
+    JsonWriter json(context.console);
+    const bool asJson = line.Has(OptionId::kJson);
+    if (asJson) json.BeginArray();
+    ExitCode code = ExitCode::kNothing;
+    // Newest first: what a later batch did stands on what an earlier one did.
+    for (const BatchSummary& batch : torn) {
+        if (context.cancel.isCancelled()) break;
+        const Choice choice = ChoiceFor(context, line, batch);
+        if (choice == Choice::kLeave) continue;
+        BatchReport report;
+        report.action = choice == Choice::kFinish ? BatchAction::kFinish : BatchAction::kUndo;
+        report.subject = batch.id;
+        {
+            ConsoleProgress progress(context, report.action);
+            report.result =
+                history.Recover(batch.id, choice == Choice::kFinish ? RecoverAction::kFinish : RecoverAction::kUndo,
+                                &progress, &context.cancel);
+        }
+        if (asJson) {
+            WriteReport(json, context, report);
+        } else {
+            PrintReport(context, report);
+        }
+        const ExitCode now = ExitCodeOf(report);
+        code = code == ExitCode::kNothing || now == ExitCode::kPartly ? now : code;
+    }
+    if (asJson) {
+        json.EndArray();
+        json.Finish();
+    }
+    return code;
+}
+
+}  // namespace kinsort

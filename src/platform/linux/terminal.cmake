@@ -1,0 +1,2 @@
+add_library(kinsort_linux_terminal STATIC LinuxTerminal.cpp)
+target_link_libraries(kinsort_linux_terminal PUBLIC kinsort_platform kinsort_linux_error PRIVATE ICU::uc)
