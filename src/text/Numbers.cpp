@@ -1,0 +1,66 @@
+#include "text/Numbers.h"
+
+#include <limits>
+
+#include "text/Trim.h"
+
+namespace kinsort {
+
+namespace {
+
+constexpr unsigned kNoDigit = 99;
+
+unsigned DigitValue(char16_t unit) {
+    if (IsDigit(unit)) return unit - u'0';
+    if (!IsHexDigit(unit)) return kNoDigit;
+    return (unit | 0x20u) - u'a' + 10;
+}
+
+// 16, 8 or 10, and the text behind the prefix.
+unsigned TakeBase(std::u16string_view& digits) {
+    if (digits.size() > 2 && digits[0] == u'0' && (digits[1] | 0x20) == u'x' && IsHexDigit(digits[2])) {
+        digits.remove_prefix(2);
+        return 16;
+    }
+    return digits.starts_with(u'0') ? 8 : 10;
+}
+
+template <typename Int>
+Int Read(std::u16string_view text, bool anyBase) {
+    while (!text.empty() && IsWhiteSpace(text.front()))
+        text.remove_prefix(1);
+    const bool isNegative = text.starts_with(u'-');
+    if (isNegative || text.starts_with(u'+')) text.remove_prefix(1);
+    const unsigned base = anyBase ? TakeBase(text) : 10;
+
+    const uint64_t most = static_cast<uint64_t>(std::numeric_limits<Int>::max()) + (isNegative ? 1 : 0);
+    uint64_t value = 0;
+    for (const char16_t unit : text) {
+        const unsigned digit = DigitValue(unit);
+        if (digit >= base) break;
+        value = value > (most - digit) / base ? most : value * base + digit;
+        if (value == most) break;
+    }
+    return static_cast<Int>(isNegative ? uint64_t{0} - value : value);
+}
+
+}  // namespace
+
+int32_t ReadInt32(std::u16string_view text) {
+    return Read<int32_t>(text, false);
+}
+
+int64_t ReadInt64(std::u16string_view text) {
+    return Read<int64_t>(text, false);
+}
+
+int32_t ReadInt32AnyBase(std::u16string_view text) {
+    return Read<int32_t>(text, true);
+}
+
+std::u16string FormatInteger(int64_t value) {
+    const std::string digits = std::to_string(value);
+    return {digits.begin(), digits.end()};
+}
+
+}  // namespace kinsort
