@@ -1,0 +1,1 @@
+kinsort_library(fake_handoff SOURCES FakeSharedMemory.cpp DEPS kinsort_platform)
