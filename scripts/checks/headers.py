@@ -18,7 +18,12 @@ STANDARD = set("""
     unordered_set utility valarray variant vector version
 """.split()) - {"codecvt"}
 LIBRARIES = re.compile(r"xxhash\.h|CLI/.+|nlohmann/.+")
-TEST_HEADERS = re.compile(r"g(test|mock)/.+|filesystem|fstream")
+# Headers that some files may have on top: (file, header).
+EXTRA = (
+    (re.compile(r".*_test\.(cpp|h)"), re.compile(r"g(test|mock)/.+|filesystem|fstream")),
+    (re.compile(r"src/main/.+"), re.compile(r"clocale")),  # the program's start sets the locale
+    (re.compile(r"src/.+Avx(2|512)\.cpp"), re.compile(r"immintrin\.h")),  # built only where CMake finds the processor
+)
 
 INCLUDE = re.compile(r"^\s*#\s*include\s*<([^>]+)>")
 CONDITION = re.compile(r"^\s*#\s*(if|ifdef|ifndef|elif|else)\b")
@@ -33,7 +38,7 @@ def judge(name, text):
     header = match.group(1)
     if header in STANDARD or LIBRARIES.fullmatch(header):
         return None
-    if tree.is_test(name) and TEST_HEADERS.fullmatch(header):
+    if any(file.fullmatch(name) and extra.fullmatch(header) for file, extra in EXTRA):
         return None
     return f"<{header}> belongs to a platform or is not on the list; ask for it through an interface in src/platform/"
 

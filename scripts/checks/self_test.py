@@ -45,6 +45,7 @@ FAULTS = [
     ("headers", "src/cli/Verbs.h", "#include <QString>\n", "src/cli/Verbs.h:1: <QString>"),
     ("headers", "src/fileop/Batch.h", "#include <gtest/gtest.h>\n", "src/fileop/Batch.h:1: <gtest/gtest.h>"),
     ("headers", "src/text/Trim_test.cpp", "#include <unicode/uchar.h>\n", "Trim_test.cpp:1: <unicode/uchar.h>"),
+    ("headers", "src/fileop/Batch.h", "#include <immintrin.h>\n", "src/fileop/Batch.h:1: <immintrin.h>"),
     ("headers", "src/text/Trim.h", "#pragma once\n#ifdef _WIN32\n", "src/text/Trim.h:2: conditional code"),
     ("orphans", "src/text/Lost_test.cpp", "", "src/text/Lost_test.cpp:1: no target"),
     ("orphans", "fuzz/CMakeLists.txt", "# include(a.cmake)\n", "fuzz/A_fuzz.cpp:1: no target"),

@@ -20,12 +20,12 @@ CShareMem::CShareMem(SharedMemory& memory, int32_t first, int32_t second, int32_
     : m_nSize(static_cast<uint32_t>(size)),
       m_strName(u"ShareMem_" + FormatInteger(first) + u"_" + FormatInteger(second)),
       m_strMutexName(m_strName + u"_Mutex") {
-    Result<std::unique_ptr<SharedBlock>> block = memory.OpenBlock(m_strName, m_nSize, opening);
+    Result<std::unique_ptr<SharedBlock>> block = memory.OpenSharedBlock(m_strName, m_nSize, opening);
     if (!block.ok()) {
         m_status = block.status();
         return;
     }
-    Result<std::unique_ptr<SharedMutex>> mutex = memory.OpenMutex(m_strMutexName);
+    Result<std::unique_ptr<SharedMutex>> mutex = memory.OpenSharedMutex(m_strMutexName);
     if (!mutex.ok()) {
         m_status = mutex.status();
         return;

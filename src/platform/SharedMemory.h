@@ -51,9 +51,9 @@ class SharedMemory {
 
     // A created block is `bytes` long and all zero; an existing one keeps its size. kInvalid for a size of 0 or above
     // kMaxBlockBytes.
-    virtual Result<std::unique_ptr<SharedBlock>> OpenBlock(std::u16string_view name, uint32_t bytes,
-                                                           SharedOpening opening) = 0;
-    virtual Result<std::unique_ptr<SharedMutex>> OpenMutex(std::u16string_view name) = 0;
+    virtual Result<std::unique_ptr<SharedBlock>> OpenSharedBlock(std::u16string_view name, uint32_t bytes,
+                                                                 SharedOpening opening) = 0;
+    virtual Result<std::unique_ptr<SharedMutex>> OpenSharedMutex(std::u16string_view name) = 0;
 
     // A number that no other program has at this moment; for names of one's own.
     virtual int32_t ProgramNumber() const = 0;

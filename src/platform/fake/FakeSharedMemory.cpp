@@ -54,8 +54,8 @@ class OpenFakeMutex : public SharedMutex {
 
 }  // namespace
 
-Result<std::unique_ptr<SharedBlock>> FakeSharedMemory::OpenBlock(std::u16string_view name, uint32_t bytes,
-                                                                 SharedOpening opening) {
+Result<std::unique_ptr<SharedBlock>> FakeSharedMemory::OpenSharedBlock(std::u16string_view name, uint32_t bytes,
+                                                                       SharedOpening opening) {
     if (!blockFailure.ok()) return blockFailure;
     if (bytes == 0 || bytes > kMaxBlockBytes) return Status::Failure(StatusCode::kInvalid, 22, u"bad size");
     const auto found = blocks.find(name);
@@ -72,7 +72,7 @@ Result<std::unique_ptr<SharedBlock>> FakeSharedMemory::OpenBlock(std::u16string_
         std::make_unique<OpenFakeBlock>(*this, std::move(createdName), std::move(block)));
 }
 
-Result<std::unique_ptr<SharedMutex>> FakeSharedMemory::OpenMutex(std::u16string_view) {
+Result<std::unique_ptr<SharedMutex>> FakeSharedMemory::OpenSharedMutex(std::u16string_view) {
     if (!mutexFailure.ok()) return mutexFailure;
     return std::unique_ptr<SharedMutex>(std::make_unique<OpenFakeMutex>(*this));
 }

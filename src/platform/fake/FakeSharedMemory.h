@@ -26,9 +26,9 @@ class FakeSharedMemory : public SharedMemory {
     Status blockFailure, mutexFailure, lockFailure, writeFailure;
     uint64_t capacity = kMaxBlockBytes;  // bytes that can be written before the memory is full
 
-    Result<std::unique_ptr<SharedBlock>> OpenBlock(std::u16string_view name, uint32_t bytes,
-                                                   SharedOpening opening) override;
-    Result<std::unique_ptr<SharedMutex>> OpenMutex(std::u16string_view name) override;
+    Result<std::unique_ptr<SharedBlock>> OpenSharedBlock(std::u16string_view name, uint32_t bytes,
+                                                         SharedOpening opening) override;
+    Result<std::unique_ptr<SharedMutex>> OpenSharedMutex(std::u16string_view name) override;
     int32_t ProgramNumber() const override { return 4120; }
 };
 

@@ -143,8 +143,8 @@ LinuxSharedMemory::LinuxSharedMemory(std::string folder) : LinuxSharedMemory(std
 
 LinuxSharedMemory::LinuxSharedMemory(std::string folder, uid_t owner) : folder_(std::move(folder)), owner_(owner) {}
 
-Result<std::unique_ptr<SharedBlock>> LinuxSharedMemory::OpenBlock(std::u16string_view name, uint32_t bytes,
-                                                                  SharedOpening opening) {
+Result<std::unique_ptr<SharedBlock>> LinuxSharedMemory::OpenSharedBlock(std::u16string_view name, uint32_t bytes,
+                                                                        SharedOpening opening) {
     if (bytes == 0 || bytes > kMaxBlockBytes) return StatusFromErrno(EINVAL);
     Result<NamedFile> file = OpenNamed(folder_, owner_, name, opening);
     if (!file.ok()) return file.status();
@@ -152,7 +152,7 @@ Result<std::unique_ptr<SharedBlock>> LinuxSharedMemory::OpenBlock(std::u16string
     return std::unique_ptr<SharedBlock>(std::make_unique<FileBlock>(std::move(*file)));
 }
 
-Result<std::unique_ptr<SharedMutex>> LinuxSharedMemory::OpenMutex(std::u16string_view name) {
+Result<std::unique_ptr<SharedMutex>> LinuxSharedMemory::OpenSharedMutex(std::u16string_view name) {
     Result<NamedFile> file = OpenNamed(folder_, owner_, name, SharedOpening::kOpenOrCreate);
     if (!file.ok()) return file.status();
     return std::unique_ptr<SharedMutex>(std::make_unique<FileMutex>(std::move(*file)));

@@ -16,9 +16,9 @@ class LinuxSharedMemory : public SharedMemory {
     explicit LinuxSharedMemory(std::string folder);
     LinuxSharedMemory(std::string folder, uid_t owner);
 
-    Result<std::unique_ptr<SharedBlock>> OpenBlock(std::u16string_view name, uint32_t bytes,
-                                                   SharedOpening opening) override;
-    Result<std::unique_ptr<SharedMutex>> OpenMutex(std::u16string_view name) override;
+    Result<std::unique_ptr<SharedBlock>> OpenSharedBlock(std::u16string_view name, uint32_t bytes,
+                                                         SharedOpening opening) override;
+    Result<std::unique_ptr<SharedMutex>> OpenSharedMutex(std::u16string_view name) override;
     int32_t ProgramNumber() const override;
 
   private:

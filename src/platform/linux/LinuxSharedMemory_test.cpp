@@ -38,10 +38,10 @@ class LinuxSharedMemoryTest : public testing::Test {
 };
 
 TEST_F(LinuxSharedMemoryTest, TwoSidesSeeOneBlockUntilItsMakerGoes) {
-    auto host = memory_.OpenBlock(u"Block_1", 100, SharedOpening::kCreateNew);
-    auto command = memory_.OpenBlock(u"Block_1", 5, SharedOpening::kOpenOrCreate);
+    auto host = memory_.OpenSharedBlock(u"Block_1", 100, SharedOpening::kCreateNew);
+    auto command = memory_.OpenSharedBlock(u"Block_1", 5, SharedOpening::kOpenOrCreate);
     ASSERT_TRUE(host.ok() && command.ok());
-    EXPECT_EQ(memory_.OpenBlock(u"Block_1", 100, SharedOpening::kCreateNew).code(), StatusCode::kExists);
+    EXPECT_EQ(memory_.OpenSharedBlock(u"Block_1", 100, SharedOpening::kCreateNew).code(), StatusCode::kExists);
 
     struct stat info;
     ASSERT_EQ(stat(Path("Block_1").c_str(), &info), 0);
@@ -65,16 +65,16 @@ TEST_F(LinuxSharedMemoryTest, TwoSidesSeeOneBlockUntilItsMakerGoes) {
 }
 
 TEST_F(LinuxSharedMemoryTest, TheMakerDoesNotTakeAnothersNameAway) {
-    auto first = memory_.OpenBlock(u"Block_1", 100, SharedOpening::kCreateNew);
+    auto first = memory_.OpenSharedBlock(u"Block_1", 100, SharedOpening::kCreateNew);
     std::filesystem::remove(Path("Block_1"));
-    auto second = memory_.OpenBlock(u"Block_1", 100, SharedOpening::kCreateNew);
+    auto second = memory_.OpenSharedBlock(u"Block_1", 100, SharedOpening::kCreateNew);
     ASSERT_TRUE(first.ok() && second.ok());
     first->reset();
     EXPECT_TRUE(std::filesystem::exists(Path("Block_1")));
 }
 
 TEST_F(LinuxSharedMemoryTest, ABlockThatShrinksIsReadAsWhatIsLeft) {
-    auto block = memory_.OpenBlock(u"Block_1", 1 << 20, SharedOpening::kOpenOrCreate);
+    auto block = memory_.OpenSharedBlock(u"Block_1", 1 << 20, SharedOpening::kOpenOrCreate);
     ASSERT_TRUE(block.ok());
     std::vector<std::byte> bytes(1 << 19);
     EXPECT_EQ(*(*block)->Read(0, bytes), bytes.size());
@@ -85,7 +85,7 @@ TEST_F(LinuxSharedMemoryTest, ABlockThatShrinksIsReadAsWhatIsLeft) {
 }
 
 TEST_F(LinuxSharedMemoryTest, RefusesWhatOthersCouldHaveMade) {
-    ASSERT_TRUE(memory_.OpenMutex(u"Warm_up").ok());
+    ASSERT_TRUE(memory_.OpenSharedMutex(u"Warm_up").ok());
     const struct {
         const char* what;
         std::function<void()> plant;
@@ -105,9 +105,9 @@ TEST_F(LinuxSharedMemoryTest, RefusesWhatOthersCouldHaveMade) {
         SCOPED_TRACE(row.what);
         row.plant();
         const auto before = std::filesystem::symlink_status(Path("Name"));
-        EXPECT_EQ(memory_.OpenBlock(u"Name", 64, SharedOpening::kOpenOrCreate).code(), row.expected);
-        EXPECT_EQ(memory_.OpenMutex(u"Name").code(), row.expected);
-        EXPECT_EQ(memory_.OpenBlock(u"Name", 64, SharedOpening::kCreateNew).code(), StatusCode::kExists);
+        EXPECT_EQ(memory_.OpenSharedBlock(u"Name", 64, SharedOpening::kOpenOrCreate).code(), row.expected);
+        EXPECT_EQ(memory_.OpenSharedMutex(u"Name").code(), row.expected);
+        EXPECT_EQ(memory_.OpenSharedBlock(u"Name", 64, SharedOpening::kCreateNew).code(), StatusCode::kExists);
         EXPECT_EQ(std::filesystem::symlink_status(Path("Name")), before);
         std::filesystem::remove(Path("Name"));
         std::filesystem::remove(Path("Aim"));
@@ -115,15 +115,15 @@ TEST_F(LinuxSharedMemoryTest, RefusesWhatOthersCouldHaveMade) {
     if (geteuid() == 0) {  // nobody else can give a file away
         MakeFile("Name", 0600);
         ASSERT_EQ(chown(Path("Name").c_str(), 1, 1), 0);
-        EXPECT_EQ(memory_.OpenMutex(u"Name").code(), StatusCode::kAccessDenied);
+        EXPECT_EQ(memory_.OpenSharedMutex(u"Name").code(), StatusCode::kAccessDenied);
     }
     // The folder seen by a user whom it does not belong to.
     LinuxSharedMemory stranger(folder_, geteuid() + 1);
-    EXPECT_EQ(stranger.OpenMutex(u"Mine").code(), StatusCode::kAccessDenied);
+    EXPECT_EQ(stranger.OpenSharedMutex(u"Mine").code(), StatusCode::kAccessDenied);
 }
 
 TEST_F(LinuxSharedMemoryTest, RefusesAFolderThatIsNotItsOwn) {
-    const auto refuses = [&] { return memory_.OpenBlock(u"Name", 64, SharedOpening::kOpenOrCreate).code(); };
+    const auto refuses = [&] { return memory_.OpenSharedBlock(u"Name", 64, SharedOpening::kOpenOrCreate).code(); };
     std::filesystem::create_directory(temporary_.path() + "/real");
     std::filesystem::create_directory_symlink("real", folder_);
     EXPECT_EQ(refuses(), StatusCode::kIsLink);
@@ -135,7 +135,7 @@ TEST_F(LinuxSharedMemoryTest, RefusesAFolderThatIsNotItsOwn) {
     ASSERT_EQ(chmod(folder_.c_str(), 0770), 0);
     EXPECT_EQ(refuses(), StatusCode::kAccessDenied);
     LinuxSharedMemory nowhere(temporary_.path() + "/missing/vel");
-    EXPECT_EQ(nowhere.OpenMutex(u"Name").code(), StatusCode::kNotFound);
+    EXPECT_EQ(nowhere.OpenSharedMutex(u"Name").code(), StatusCode::kNotFound);
     EXPECT_TRUE(std::filesystem::is_empty(folder_));
 }
 
@@ -146,22 +146,22 @@ TEST_F(LinuxSharedMemoryTest, RefusesNamesAndSizesThatMakeNoSense) {
                                     u"a b", std::u16string(u"a\0b", 3),
                                     u"é",   std::u16string(201, u'a')};
     for (const std::u16string& name : names) {
-        EXPECT_EQ(memory_.OpenBlock(name, 64, SharedOpening::kOpenOrCreate).code(), StatusCode::kInvalid);
-        EXPECT_EQ(memory_.OpenMutex(name).code(), StatusCode::kInvalid);
+        EXPECT_EQ(memory_.OpenSharedBlock(name, 64, SharedOpening::kOpenOrCreate).code(), StatusCode::kInvalid);
+        EXPECT_EQ(memory_.OpenSharedMutex(name).code(), StatusCode::kInvalid);
     }
     for (const uint32_t size : {0u, SharedMemory::kMaxBlockBytes + 1, 0xFFFFFFFFu})
-        EXPECT_EQ(memory_.OpenBlock(u"Name", size, SharedOpening::kOpenOrCreate).code(), StatusCode::kInvalid);
+        EXPECT_EQ(memory_.OpenSharedBlock(u"Name", size, SharedOpening::kOpenOrCreate).code(), StatusCode::kInvalid);
     EXPECT_FALSE(std::filesystem::exists(folder_));
 }
 
 TEST_F(LinuxSharedMemoryTest, AHolderThatDiesFreesTheMutex) {
-    auto mutex = memory_.OpenMutex(u"Name_Mutex");
+    auto mutex = memory_.OpenSharedMutex(u"Name_Mutex");
     ASSERT_TRUE(mutex.ok());
     int report[2];
     ASSERT_EQ(pipe(report), 0);
     const pid_t holder = fork();
     if (holder == 0) {
-        auto held = memory_.OpenMutex(u"Name_Mutex");
+        auto held = memory_.OpenSharedMutex(u"Name_Mutex");
         const bool locked = held.ok() && (*held)->Lock().ok();
         if (write(report[1], locked ? "1" : "0", 1) == 1) pause();
         _exit(1);
