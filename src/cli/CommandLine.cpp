@@ -86,6 +86,16 @@ std::string CheckOperands(const CommandLine& line) {
     return {};
 }
 
+// The library's message begins with the option's name; what can go wrong there is that a value is missing.
+std::string ErrorText(const VerbSpec& verb, std::string_view message) {
+    for (const OptionId id : verb.options) {
+        const OptionSpec& spec = SpecOf(id);
+        if (spec.kind == ValueKind::kNone || !message.starts_with(Dashed(spec) + ":")) continue;
+        return Dashed(spec) + " needs a value: " + Dashed(spec) + "=" + std::string(spec.value);
+    }
+    return std::string(message);
+}
+
 // Lets the library read the options. Operands come back as what it did not recognise, so that it never interprets a
 // file's name (it would split "[a,b]").
 std::string ReadOptions(std::vector<std::string> arguments, CommandLine& line) {
@@ -104,14 +114,14 @@ std::string ReadOptions(std::vector<std::string> arguments, CommandLine& line) {
     std::reverse(arguments.begin(), arguments.end());  // as the library wants them
     try {
         app.parse(std::move(arguments));
-    } catch (const CLI::ArgumentMismatch& mismatch) {
-        return std::string(mismatch.what());
     } catch (const CLI::ParseError& error) {
-        return std::string(error.what());
+        return ErrorText(*line.verb, error.what());
     }
     for (const OptionId id : line.verb->options) {
         const auto index = static_cast<size_t>(id);
         if (options[index]->count() == 0) continue;
+        const bool isFlag = kOptions[index].kind == ValueKind::kNone;
+        if (isFlag && options[index]->results().back() != "true") return Dashed(kOptions[index]) + " takes no value";
         if (const std::string wrong = CheckValue(kOptions[index], values[index]); !wrong.empty()) return wrong;
         line.values[index] = values[index];
     }

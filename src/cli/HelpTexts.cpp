@@ -82,7 +82,7 @@ std::string ProgramHelp() {
     text += "\nOther:\n" + Entry("--version", "Show the version.") + Entry("--help", "Show this list.") + "\n";
     text += ExitCodeHelp();
     text +=
-        "\nFor example, look first, then move everything in Downloads, then think better of it:\n"
+        "\nFor example, look first, then move everything, then think better of it:\n"
         "  kinsort plan --to ~/Pictures ~/Downloads/*\n"
         "  kinsort sort --to ~/Pictures --move ~/Downloads/*\n"
         "  kinsort undo\n"

@@ -53,7 +53,7 @@ class LinuxTerminal : public Terminal {
 
     bool IsTerminal(Stream stream) const override { return isatty(DescriptorOf(stream)) == 1; }
 
-    int WindowColumns() override {
+    int WindowColumns() const override {
         for (const Stream stream : {Stream::kOutput, Stream::kMessages, Stream::kInput}) {
             winsize size{};
             if (ioctl(DescriptorOf(stream), TIOCGWINSZ, &size) == 0 && size.ws_col > 0) return size.ws_col;
