@@ -1,0 +1,81 @@
+// Looks at what was queued and writes the steps of a batch: which files, from where to where, what is replaced. Nothing
+// outside is changed by planning.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <unordered_set>
+#include <vector>
+
+#include "fileop/Batch.h"
+#include "fileop/ConflictResolver.h"
+#include "fileop/FolderTable.h"
+
+namespace kinsort {
+
+// What became of a step that met something unforeseen.
+enum class Replan : uint8_t { kAgain, kSkipped, kFailed, kCancelled };
+
+class BatchPlanner {
+  public:
+    // Writes into `batch`; `journalFolder` is the stored path below which replaced files are kept when they are on
+    // its volume.
+    BatchPlanner(const FileOperationServices& services, Batch& batch, FolderTable& folders, ConflictResolver& resolver);
+
+    // Adds the steps for one item. A refusal is written into the item's report. False when the user cancelled.
+    bool PlanItem(const std::u16string& sourcePath, const std::u16string& destinationFolder, bool isMove);
+    // An item's refusal, kNone when it has steps.
+    const ItemReport& refusal(size_t item) const { return refusals_[item]; }
+
+    // The target of step `index` turned out to be taken: asks and rewrites the step, or says why not.
+    Replan ReplanTaken(uint32_t index);
+    // The rename of step `index` crosses volumes after all: rewrites it as a transfer; a folder gets further steps at
+    // the end of the plan.
+    Replan ReplanAsTransfer(uint32_t index);
+
+  private:
+    struct Target {
+        Place place;
+        StepKind kind;
+        uint32_t keptFolder = kNoIndex;
+        FileIdentity replaced;
+        bool isMerge = false;
+    };
+    enum class Choice : uint8_t { kGo, kSkip, kCancel };
+
+    void Refuse(ItemOutcome outcome, ItemReason reason, Status status = {});
+    Result<Place> ResolveSource(const std::u16string& path);
+    // Chooses the target name of something called `name`, asking when it is taken.
+    Choice ChooseTarget(const Place& source, const FileInfo& info, uint32_t folder, bool isMove, Target& target);
+    Choice ResolveConflict(const Place& source, const FileInfo& info, const FileInfo* there, Target& target);
+    std::string FreeNameIn(uint32_t folder, const std::string& name, FileKind kind);
+    uint32_t KeptFolderFor(uint32_t targetFolder);
+    bool LiesInside(uint32_t folder, const FileInfo& ancestor);
+    // Adds the steps that place one file or folder; false on cancel.
+    bool AddSteps(const Place& source, const FileInfo& info, uint32_t folder, bool isMove);
+    bool AddFolder(const Place& source, const FileInfo& info, const Target& target, bool isMove);
+    // The contents of a folder, then what finishes it; `targetInfo` is null for a folder that a step makes.
+    bool AddContents(const Place& source, const FileInfo& info, const Place& target, const FileInfo* targetInfo,
+                     bool isMove);
+    Status ListNames(uint32_t folder, std::vector<std::string>& names);
+    uint32_t AddStep(StepKind kind, const Place& source, const FileIdentity& sourceId, const Place& target);
+    // The target is the source under another name: the move only has to drop the source's name.
+    void AddDrop(const Place& source, const FileInfo& info, const Place& sameFile);
+    std::string KeyOf(uint32_t folder, std::string_view name) const;
+    ConflictSide SideOf(const Place& place, const FileInfo& info) const;
+
+    const FileOperationServices& services_;
+    Batch& batch_;
+    FolderTable& folders_;
+    ConflictResolver& resolver_;
+    std::vector<ItemReport> refusals_;
+    size_t item_ = 0;  // the item that steps and refusals are for at the moment
+    std::unordered_map<std::u16string, std::string> storedFolders_;  // inner path to stored path of a folder
+    std::unordered_set<std::string> plannedSources_;
+    std::unordered_map<std::string, uint32_t> plannedTargets_;  // key of the place to the step that fills it
+    std::unordered_map<uint32_t, uint32_t> keptFolders_;        // target folder to kept folder
+    uint32_t keptBesideJournal_ = kNoIndex;
+};
+
+}  // namespace kinsort

@@ -1,0 +1,133 @@
+#include "fileop/FolderTable.h"
+
+#include <utility>
+
+namespace kinsort {
+
+namespace {
+
+// Far below any limit on descriptors, and enough for the folders that one group works in.
+constexpr size_t kMostOpen = 48;
+
+FolderRecord RecordOf(uint32_t parent, std::string name, const FileInfo* info) {
+    FolderRecord record;
+    record.parent = parent;
+    record.name = std::move(name);
+    if (info != nullptr) {
+        record.device = info->device;
+        record.inode = info->inode;
+        record.createdNs = info->createdNs;
+        record.modifiedNs = info->modifiedNs;
+    }
+    return record;
+}
+
+}  // namespace
+
+Result<uint32_t> FolderTable::AddByPath(const std::string& storedPath) {
+    if (const auto known = byPath_.find(storedPath); known != byPath_.end()) return known->second;
+    Result<FileHandle> handle = sys_.OpenFolder(storedPath);
+    if (!handle.ok()) return handle.status();
+    const Result<FileInfo> info = sys_.Stat(*handle);
+    if (!info.ok()) return info.status();
+    const auto [first, last] = byInode_.equal_range(info->inode);
+    for (auto known = first; known != last; ++known) {
+        const FolderRecord& other = folders_[known->second];
+        if (other.device == info->device && other.createdNs == info->createdNs) {
+            byPath_.emplace(storedPath, known->second);
+            return known->second;
+        }
+    }
+    const Result<std::string> resolved = sys_.PathOf(*handle);
+    FolderRecord record = RecordOf(kNoIndex, resolved.ok() ? *resolved : storedPath, &*info);
+    if (const Result<VolumeInfo> volume = sys_.DescribeVolume(*handle); volume.ok()) record.volumeId = volume->volumeId;
+    folders_.push_back(std::move(record));
+    const auto index = static_cast<uint32_t>(folders_.size() - 1);
+    byPath_.emplace(storedPath, index);
+    byInode_.emplace(info->inode, index);
+    return index;
+}
+
+uint32_t FolderTable::AddChild(uint32_t parent, const std::string& name, const FileInfo* info) {
+    FolderRecord record = RecordOf(parent, name, info);
+    if (info == nullptr) record.device = folders_[parent].device;
+    record.volumeId = folders_[parent].volumeId;
+    folders_.push_back(std::move(record));
+    return static_cast<uint32_t>(folders_.size() - 1);
+}
+
+uint32_t FolderTable::AddKeepFolder(uint32_t parent, const std::string& name) {
+    const uint32_t index = AddChild(parent, name, nullptr);
+    folders_[index].isKeep = true;
+    return index;
+}
+
+Result<std::shared_ptr<const FileHandle>> FolderTable::Open(uint32_t index) {
+    const std::lock_guard lock(mutex_);
+    if (const auto found = open_.find(index); found != open_.end()) return found->second;
+    Result<FileHandle> handle = OpenFresh(index);
+    if (handle.code() == StatusCode::kTooManyOpen) {
+        CloseAll();
+        handle = OpenFresh(index);
+    }
+    if (!handle.ok()) return handle.status();
+    const Result<FileInfo> info = sys_.Stat(*handle);
+    if (!info.ok()) return info.status();
+    FolderRecord& folder = folders_[index];
+    if (folder.inode == 0) {
+        SetMade(index, *info);
+    } else if (!IsSame(folder, *info, *handle)) {
+        return Status::Failure(StatusCode::kChanged);
+    }
+    if (open_.size() >= kMostOpen) {
+        open_.erase(openOrder_.front());
+        openOrder_.pop_front();
+    }
+    auto shared = std::make_shared<const FileHandle>(std::move(*handle));
+    open_.emplace(index, shared);
+    openOrder_.push_back(index);
+    return shared;
+}
+
+Result<FileHandle> FolderTable::OpenFresh(uint32_t index) {
+    const FolderRecord& folder = folders_[index];
+    if (folder.parent == kNoIndex) return sys_.OpenFolder(folder.name);
+    const Result<std::shared_ptr<const FileHandle>> parent = Open(folder.parent);
+    if (!parent.ok()) return parent.status();
+    return folder.isKeep ? OpenOrMakeKeep(**parent, folder) : sys_.OpenFolderAt(**parent, folder.name);
+}
+
+Result<FileHandle> FolderTable::OpenOrMakeKeep(const FileHandle& parent, const FolderRecord& folder) {
+    Result<FileHandle> handle = sys_.OpenFolderAt(parent, folder.name);
+    if (handle.code() != StatusCode::kNotFound) return handle;
+    if (Status made = sys_.MakeFolderAt(parent, folder.name, 0700); !made.ok() && made.code() != StatusCode::kExists) {
+        return made;
+    }
+    return sys_.OpenFolderAt(parent, folder.name);
+}
+
+void FolderTable::SetMade(uint32_t index, const FileInfo& info) {
+    const std::lock_guard lock(mutex_);
+    FolderRecord& folder = folders_[index];
+    folder.device = info.device;
+    folder.inode = info.inode;
+    folder.createdNs = info.createdNs;
+}
+
+void FolderTable::CloseAll() {
+    const std::lock_guard lock(mutex_);
+    open_.clear();
+    openOrder_.clear();
+}
+
+bool FolderTable::IsSame(FolderRecord& folder, const FileInfo& info, const FileHandle& handle) {
+    if (folder.inode != info.inode || folder.createdNs != info.createdNs) return false;
+    if (!folder.isOtherBoot) return folder.device == info.device;
+    const Result<VolumeInfo> volume = sys_.DescribeVolume(handle);
+    if (!volume.ok() || volume->volumeId != folder.volumeId) return false;
+    folder.device = info.device;
+    folder.isOtherBoot = false;
+    return true;
+}
+
+}  // namespace kinsort

@@ -1,0 +1,54 @@
+// The bytes of a journal file: a head, then frames. A frame is one record with its length, its number in the file and
+// a checksum, so that a torn end is told from damage in the middle. docs/journal-format.md describes it for people.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace kinsort {
+
+constexpr std::string_view kJournalMagic = "KINSORT\x1a";
+constexpr uint32_t kJournalVersion = 1;
+constexpr size_t kJournalHeadSize = 12;  // magic and version
+
+enum class RecordType : uint8_t {
+    kBegin = 1,    // header of the batch
+    kFolder,       // one folder, in the order of their indices
+    kItem,         // one queued item
+    kStep,         // one step with its index; a later record for the same index replaces it
+    kPlanned,      // the plan is complete: number of steps
+    kPrepared,     // steps whose content is complete and not yet named
+    kCopied,       // transfers whose target is durable and whose source may go
+    kDone,         // steps that are done, with what they made
+    kFailed,       // steps that failed or were skipped, with the reason
+    kFolderTimes,  // modification times of the folders when the batch ended
+    kEnd,          // the batch is over
+};
+
+struct Record {
+    RecordType type;
+    std::string_view payload;
+};
+
+// Appends the file head / a frame to `out`. `sequence` counts the frames of a file from 0.
+void AppendJournalHead(std::string& out);
+void AppendFrame(std::string& out, RecordType type, uint64_t sequence, std::string_view payload);
+
+enum class ScanVerdict : uint8_t {
+    kWhole,    // every byte belongs to a good frame
+    kTorn,     // good frames, then an end that never became one: what a crash leaves
+    kDamaged,  // a bad frame with good ones behind it, or a head that is none
+    kTooNew,   // a later version of the format
+};
+
+struct JournalScan {
+    ScanVerdict verdict = ScanVerdict::kDamaged;
+    std::vector<Record> records;  // views into the scanned bytes; up to the first bad frame
+    uint64_t validLength = 0;     // bytes up to there
+};
+
+JournalScan ScanJournal(std::string_view bytes);
+
+}  // namespace kinsort

@@ -1,0 +1,33 @@
+// Runs independent pieces of work on a few threads, the calling one among them.
+#pragma once
+
+#include <atomic>
+#include <cstddef>
+#include <functional>
+#include <thread>
+#include <vector>
+
+namespace kinsort {
+
+// Calls work(i) once for each i below `count`, on up to `threads` threads, and returns when all calls have returned.
+// `meanwhile` is called now and then on the calling thread, between its own pieces.
+inline void ForEachParallel(size_t count, unsigned threads, const std::function<void(size_t)>& work,
+                            const std::function<void()>& meanwhile) {
+    constexpr size_t kRun = 8;  // neighbours are often in the same folder: let one thread have them
+    std::atomic<size_t> next{0};
+    const auto takeRuns = [&](bool isCaller) {
+        for (size_t begin = next.fetch_add(kRun); begin < count; begin = next.fetch_add(kRun)) {
+            for (size_t i = begin; i < count && i < begin + kRun; ++i) {
+                work(i);
+                if (isCaller) meanwhile();
+            }
+        }
+    };
+    std::vector<std::jthread> helpers;
+    for (unsigned i = 1; i < threads && i * kRun < count; ++i) {
+        helpers.emplace_back([&takeRuns] { takeRuns(false); });
+    }
+    takeRuns(true);
+}
+
+}  // namespace kinsort

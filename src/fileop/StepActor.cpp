@@ -1,0 +1,388 @@
+#include "fileop/StepActor.h"
+
+#include <utility>
+
+namespace kinsort {
+
+namespace {
+
+constexpr uint32_t kPermissionBits = 01777;  // set-id bits do not travel: the copy may have another owner
+
+StepResult Failed(const Status& status, ItemReason reason = ItemReason::kSystem) {
+    return {reason, status};
+}
+
+// What a failed look at the source means.
+StepResult SourceFailed(const Status& status) {
+    return Failed(status, status.code() == StatusCode::kNotFound ? ItemReason::kSourceGone : ItemReason::kSystem);
+}
+
+bool IsFolderGone(StatusCode code) {
+    return code == StatusCode::kChanged || code == StatusCode::kIsLink || code == StatusCode::kNotFolder ||
+           code == StatusCode::kNotFound;
+}
+
+}  // namespace
+
+std::string SwapName(size_t stepIndex) {
+    return KeptName(stepIndex) + ".swap";
+}
+
+StepResult StepActor::OpenFolder(uint32_t index, bool isTarget, Folder& folder) {
+    auto opened = folders_.Open(index);
+    if (opened.ok()) {
+        folder = std::move(*opened);
+        return {};
+    }
+    if (!IsFolderGone(opened.code())) return Failed(opened.status());
+    return Failed(opened.status(), isTarget ? ItemReason::kTargetFolderChanged : ItemReason::kSourceGone);
+}
+
+// --- content
+// ----------------------------------------------------------------------------------------------------------
+
+StepResult StepActor::Prepare(uint32_t index, const ByteSink& copied, PreparedContent& prepared, FileIdentity& made) {
+    const Step& step = batch_.steps[index];
+    Folder sourceFolder;
+    Folder targetFolder;
+    if (StepResult opened = OpenFolder(step.source.folder, false, sourceFolder); !opened.ok()) return opened;
+    if (StepResult opened = OpenFolder(step.target.folder, true, targetFolder); !opened.ok()) return opened;
+    if (step.sourceId.kind == FileKind::kLink || step.isHardLink) {
+        const Result<FileInfo> info = sys_.StatAt(*sourceFolder, step.source.name);
+        if (!info.ok()) return SourceFailed(info.status());
+        if (!step.sourceId.IsSameFile(*info)) return {ItemReason::kSourceChanged, {}};
+        prepared.source = *info;
+        return {};
+    }
+    StepResult result = CopyOnce(index, *sourceFolder, *targetFolder, copied, prepared, made);
+    if (result.reason == ItemReason::kSourceChanged && result.status.code() == StatusCode::kChanged) {
+        // Somebody wrote while we read. Once more; who writes all the time is told so.
+        result = CopyOnce(
+            index, *sourceFolder, *targetFolder, [](uint64_t) {}, prepared, made);
+    }
+    return result;
+}
+
+StepResult StepActor::CopyOnce(uint32_t index, const FileHandle& sourceFolder, const FileHandle& targetFolder,
+                               const ByteSink& copied, PreparedContent& prepared, FileIdentity& made) {
+    const Step& step = batch_.steps[index];
+    const Result<FileHandle> from = sys_.OpenForRead(sourceFolder, step.source.name);
+    if (!from.ok()) return SourceFailed(from.status());
+    const Result<FileInfo> info = sys_.Stat(*from);
+    if (!info.ok()) return Failed(info.status());
+    if (!step.sourceId.IsSameFile(*info)) return {ItemReason::kSourceChanged, {}};
+    prepared.source = *info;
+    if (StepResult empty = MakeEmptyFile(index, targetFolder, info->mode & kPermissionBits, prepared); !empty.ok()) {
+        return empty;
+    }
+    const Status content = CopyContent(sys_, *from, *info, prepared.file, copied, cancel_);
+    StepResult result;
+    if (!content.ok()) {
+        const bool isChanged = content.code() == StatusCode::kChanged;
+        result = Failed(content, isChanged ? ItemReason::kSourceChanged : ItemReason::kSystem);
+    } else if (cancel_.isCancelled()) {
+        result = {ItemReason::kCancelled, {}};
+    } else {
+        result = CopyAttributes(*from, *info, prepared);
+    }
+    if (result.ok()) {
+        const Result<FileInfo> now = sys_.Stat(prepared.file);
+        if (now.ok()) {
+            made = FileIdentity::Of(*now);
+        } else {
+            result = Failed(now.status());
+        }
+    }
+    if (!result.ok()) Discard(index, prepared);
+    return result;
+}
+
+StepResult StepActor::MakeEmptyFile(uint32_t index, const FileHandle& folder, uint32_t mode,
+                                    PreparedContent& prepared) {
+    prepared.hasTemporaryName = false;
+    Result<FileHandle> file = sys_.CreateNameless(folder, mode);
+    if (file.code() == StatusCode::kUnsupported) {
+        const std::string name = TemporaryName(batch_.header.id, index);
+        prepared.hasTemporaryName = true;
+        file = sys_.CreateFileAt(folder, name, mode);
+        if (file.code() == StatusCode::kExists && sys_.RemoveFileAt(folder, name).ok()) {  // an earlier try of ours
+            file = sys_.CreateFileAt(folder, name, mode);
+        }
+    }
+    if (!file.ok()) {
+        prepared.hasTemporaryName = false;
+        return Failed(file.status());
+    }
+    prepared.file = std::move(*file);
+    return {};
+}
+
+StepResult StepActor::CopyAttributes(const FileHandle& from, const FileInfo& info, PreparedContent& prepared) {
+    if (!sys_.CopyUserAttributes(from, prepared.file).ok()) lostAttributes_.store(true, std::memory_order_relaxed);
+    const Status times = sys_.SetTimes(prepared.file, info.accessedNs, info.modifiedNs);
+    return times.ok() ? StepResult() : Failed(times);
+}
+
+void StepActor::Discard(uint32_t index, PreparedContent& prepared) {
+    prepared.file.Reset();
+    if (!prepared.hasTemporaryName) return;
+    prepared.hasTemporaryName = false;
+    if (const auto folder = folders_.Open(batch_.steps[index].target.folder); folder.ok()) {
+        (void)sys_.RemoveFileAt(**folder, TemporaryName(batch_.header.id, index));
+    }
+}
+
+// --- the visible change
+// -----------------------------------------------------------------------------------------------
+
+StepResult StepActor::Publish(uint32_t index, PreparedContent& prepared, FileIdentity& made) {
+    const StepKind kind = batch_.steps[index].kind;
+    if (IsMove(kind)) return PublishMove(index, made);
+    if (kind == StepKind::kRemoveCopy) return RemoveVerified(index);
+    return PublishContent(index, prepared, made);
+}
+
+StepResult StepActor::PublishMove(uint32_t index, FileIdentity& made) {
+    const Step& step = batch_.steps[index];
+    Folder from;
+    Folder to;
+    if (StepResult opened = OpenFolder(step.source.folder, false, from); !opened.ok()) return opened;
+    if (StepResult opened = OpenFolder(step.target.folder, true, to); !opened.ok()) return opened;
+    const Result<FileInfo> info = sys_.StatAt(*from, step.source.name);
+    if (!info.ok()) return SourceFailed(info.status());
+    if (!step.sourceId.IsSameFile(*info)) return {ItemReason::kSourceChanged, {}};
+    made = FileIdentity::Of(*info);
+    if (!IsReplace(step.kind)) {
+        const Status moved = RenameFile(*from, step.source.name, *to, step.target.name, info->kind);
+        if (moved.code() == StatusCode::kExists) return Failed(moved, ItemReason::kTargetTaken);
+        return moved.ok() ? StepResult() : Failed(moved);
+    }
+    Folder kept;
+    if (StepResult opened = OpenFolder(step.keptFolder, true, kept); !opened.ok()) return opened;
+    const std::string keptName = KeptName(index);
+    if (Status moved = RenameFile(*from, step.source.name, *kept, keptName, info->kind); !moved.ok())
+        return Failed(moved);
+    StepResult swapped = ExchangeWithKept(index, made);
+    if (!swapped.ok()) {
+        if (Status back = RenameFile(*kept, keptName, *from, step.source.name, info->kind); !back.ok())
+            return Failed(back);
+    }
+    return swapped;
+}
+
+StepResult StepActor::PublishContent(uint32_t index, PreparedContent& prepared, FileIdentity& made) {
+    const Step& step = batch_.steps[index];
+    Folder to;
+    if (StepResult opened = OpenFolder(step.target.folder, true, to); !opened.ok()) return opened;
+    if (!IsReplace(step.kind)) return PlaceContent(index, prepared, *to, step.target.name, made);
+    Folder kept;
+    if (StepResult opened = OpenFolder(step.keptFolder, true, kept); !opened.ok()) return opened;
+    const std::string keptName = KeptName(index);
+    if (StepResult placed = PlaceContent(index, prepared, *kept, keptName, made); !placed.ok()) return placed;
+    StepResult swapped = ExchangeWithKept(index, made);
+    if (!swapped.ok()) (void)sys_.RemoveFileAt(*kept, keptName);  // the new copy; its source is where it was
+    return swapped;
+}
+
+StepResult StepActor::PlaceContent(uint32_t index, PreparedContent& prepared, const FileHandle& folder,
+                                   const std::string& name, FileIdentity& made) {
+    const Step& step = batch_.steps[index];
+    Status placed;
+    if (step.sourceId.kind == FileKind::kLink || step.isHardLink) return PlaceLink(step, folder, name, made);
+    if (prepared.hasTemporaryName) {
+        Folder to;
+        if (StepResult opened = OpenFolder(step.target.folder, true, to); !opened.ok()) return opened;
+        placed = RenameFile(*to, TemporaryName(batch_.header.id, index), folder, name, FileKind::kFile);
+        if (placed.ok()) prepared.hasTemporaryName = false;
+    } else {
+        placed = sys_.NameFile(prepared.file, folder, name);
+    }
+    if (placed.code() == StatusCode::kExists) return Failed(placed, ItemReason::kTargetTaken);
+    if (!placed.ok()) return Failed(placed);
+    prepared.file.Reset();
+    return {};
+}
+
+StepResult StepActor::PlaceLink(const Step& step, const FileHandle& folder, const std::string& name,
+                                FileIdentity& made) {
+    Folder from;
+    if (StepResult opened = OpenFolder(step.source.folder, false, from); !opened.ok()) return opened;
+    Status placed;
+    if (step.isHardLink) {
+        placed = sys_.LinkAt(*from, step.source.name, folder, name);
+    } else {
+        const Result<std::string> text = sys_.ReadLinkAt(*from, step.source.name);
+        if (!text.ok()) return SourceFailed(text.status());
+        placed = sys_.MakeLinkAt(*text, folder, name);
+        if (placed.ok()) (void)sys_.SetTimesAt(folder, name, step.sourceId.modifiedNs, step.sourceId.modifiedNs);
+    }
+    if (placed.code() == StatusCode::kExists) return Failed(placed, ItemReason::kTargetTaken);
+    if (!placed.ok()) return Failed(placed);
+    const Result<FileInfo> info = sys_.StatAt(folder, name);
+    if (!info.ok()) return Failed(info.status());
+    made = FileIdentity::Of(*info);
+    return {};
+}
+
+StepResult StepActor::ExchangeWithKept(uint32_t index, const FileIdentity& made) {
+    const Step& step = batch_.steps[index];
+    Folder to;
+    Folder kept;
+    if (StepResult opened = OpenFolder(step.target.folder, true, to); !opened.ok()) return opened;
+    if (StepResult opened = OpenFolder(step.keptFolder, true, kept); !opened.ok()) return opened;
+    const std::string keptName = KeptName(index);
+    const Result<FileInfo> before = sys_.StatAt(*to, step.target.name);
+    if (before.code() == StatusCode::kNotFound) {  // what was to be replaced is gone: the place is simply free
+        const Status placed = RenameFile(*kept, keptName, *to, step.target.name, made.kind);
+        if (placed.code() == StatusCode::kExists) return Failed(placed, ItemReason::kTargetTaken);
+        return placed.ok() ? StepResult() : Failed(placed);
+    }
+    if (!before.ok()) return Failed(before.status());
+    if (!step.targetId.IsUnchanged(*before)) return {ItemReason::kTargetTaken, {}};
+    Status swapped = sys_.Exchange(*kept, keptName, *to, step.target.name);
+    if (swapped.code() == StatusCode::kUnsupported) {
+        swapped = SwapByRenames(*kept, keptName, *to, step.target.name);
+    }
+    if (!swapped.ok()) return Failed(swapped);
+    // Between the look and the swap something else may have taken the place: then that goes back to where it was.
+    const Result<FileInfo> displaced = sys_.StatAt(*kept, keptName);
+    if (displaced.ok() && step.targetId.IsSameFile(*displaced)) return {};
+    if (Status back = sys_.Exchange(*kept, keptName, *to, step.target.name); !back.ok()) return Failed(back);
+    return {ItemReason::kTargetTaken, {}};
+}
+
+Status StepActor::SwapByRenames(const FileHandle& keptFolder, const std::string& kept, const FileHandle& targetFolder,
+                                const std::string& target) {
+    const std::string aside = kept + ".swap";
+    if (Status moved = RenameFile(targetFolder, target, keptFolder, aside, FileKind::kFile); !moved.ok()) return moved;
+    if (Status moved = RenameFile(keptFolder, kept, targetFolder, target, FileKind::kFile); !moved.ok()) {
+        const Status back = RenameFile(keptFolder, aside, targetFolder, target, FileKind::kFile);
+        return back.ok() ? moved : back;
+    }
+    return RenameFile(keptFolder, aside, keptFolder, kept, FileKind::kFile);
+}
+
+Status StepActor::RenameFile(const FileHandle& fromFolder, const std::string& from, const FileHandle& toFolder,
+                             const std::string& to, FileKind kind) {
+    const Status renamed = sys_.RenameNoReplace(fromFolder, from, toFolder, to);
+    if (renamed.code() != StatusCode::kUnsupported || kind == FileKind::kFolder) return renamed;
+    // A second name is never made over an existing one, so link and remove is a rename that replaces nothing.
+    if (Status linked = sys_.LinkAt(fromFolder, from, toFolder, to); !linked.ok()) return linked;
+    return sys_.RemoveFileAt(fromFolder, from);
+}
+
+// --- the end of a transfer
+// --------------------------------------------------------------------------------------------
+
+StepResult StepActor::RemoveSource(uint32_t index, const FileInfo& copied, const FileIdentity& made) {
+    const Step& step = batch_.steps[index];
+    Folder from;
+    if (StepResult opened = OpenFolder(step.source.folder, false, from); !opened.ok()) return opened;
+    const Result<FileInfo> now = sys_.StatAt(*from, step.source.name);
+    if (now.code() == StatusCode::kNotFound) return {};
+    if (!now.ok()) return Failed(now.status());
+    if (!FileIdentity::Of(copied).IsUnchanged(*now)) {
+        if (StepResult back = TakeBack(index, made); !back.ok()) return back;
+        return {ItemReason::kSourceChanged, {}};
+    }
+    const Status removed = sys_.RemoveFileAt(*from, step.source.name);
+    if (removed.ok()) return {};
+    if (StepResult back = TakeBack(index, made); !back.ok()) return back;
+    return Failed(removed);
+}
+
+StepResult StepActor::TakeBack(uint32_t index, const FileIdentity& made) {
+    const Step& step = batch_.steps[index];
+    Folder to;
+    if (StepResult opened = OpenFolder(step.target.folder, true, to); !opened.ok()) return opened;
+    const Result<FileInfo> there = sys_.StatAt(*to, step.target.name);
+    if (!there.ok() || !made.IsUnchanged(*there)) return {ItemReason::kFileChangedSince, {}};
+    if (Status removed = sys_.RemoveFileAt(*to, step.target.name); !removed.ok()) return Failed(removed);
+    if (!IsReplace(step.kind)) return {};
+    Folder kept;
+    if (StepResult opened = OpenFolder(step.keptFolder, true, kept); !opened.ok()) return opened;
+    const Status back = RenameFile(*kept, KeptName(index), *to, step.target.name, step.targetId.kind);
+    return back.ok() ? StepResult() : Failed(back);
+}
+
+// --- removing a copy
+// --------------------------------------------------------------------------------------------------
+
+StepResult StepActor::VerifyRemoval(uint32_t index) {
+    const Step& step = batch_.steps[index];
+    Folder copyFolder;
+    Folder originalFolder;
+    if (StepResult opened = OpenFolder(step.target.folder, true, copyFolder); !opened.ok()) return opened;
+    const Result<FileInfo> copy = sys_.StatAt(*copyFolder, step.target.name);
+    if (copy.code() == StatusCode::kNotFound) return {ItemReason::kNotThereAnyMore, {}};
+    if (!copy.ok()) return Failed(copy.status());
+    if (!step.targetId.IsUnchanged(*copy)) return {ItemReason::kFileChangedSince, {}};
+    if (!OpenFolder(step.source.folder, false, originalFolder).ok()) return {ItemReason::kLastCopy, {}};
+    const Result<FileInfo> original = sys_.StatAt(*originalFolder, step.source.name);
+    if (!original.ok() || original->kind != copy->kind) return {ItemReason::kLastCopy, {}};
+    if (original->SameFile(*copy)) {
+        // Two names of one file: removing one is safe, unless it is the same name seen through two folders.
+        return original->links > 1 || step.isHardLink ? StepResult() : StepResult{ItemReason::kLastCopy, {}};
+    }
+    if (step.isHardLink) return {ItemReason::kLastCopy, {}};
+    if (copy->kind == FileKind::kLink) {
+        const Result<std::string> a = sys_.ReadLinkAt(*copyFolder, step.target.name);
+        const Result<std::string> b = sys_.ReadLinkAt(*originalFolder, step.source.name);
+        return a.ok() && b.ok() && *a == *b ? StepResult() : StepResult{ItemReason::kLastCopy, {}};
+    }
+    const Result<FileHandle> a = sys_.OpenForRead(*copyFolder, step.target.name);
+    const Result<FileHandle> b = sys_.OpenForRead(*originalFolder, step.source.name);
+    if (!a.ok()) return Failed(a.status());
+    if (!b.ok()) return Failed(b.status());
+    const Result<bool> isSame = HaveSameContent(sys_, *a, *b);
+    if (!isSame.ok()) return Failed(isSame.status());
+    return *isSame ? StepResult() : StepResult{ItemReason::kLastCopy, {}};
+}
+
+StepResult StepActor::RemoveVerified(uint32_t index) {
+    const Step& step = batch_.steps[index];
+    Folder folder;
+    if (StepResult opened = OpenFolder(step.target.folder, true, folder); !opened.ok()) return opened;
+    const Result<FileInfo> copy = sys_.StatAt(*folder, step.target.name);
+    if (copy.code() == StatusCode::kNotFound) return {ItemReason::kNotThereAnyMore, {}};
+    if (!copy.ok()) return Failed(copy.status());
+    if (!step.targetId.IsUnchanged(*copy)) return {ItemReason::kFileChangedSince, {}};
+    const Status removed = sys_.RemoveFileAt(*folder, step.target.name);
+    return removed.ok() ? StepResult() : Failed(removed);
+}
+
+// --- folders
+// ----------------------------------------------------------------------------------------------------------
+
+StepResult StepActor::ActOnFolder(uint32_t index, FileIdentity& made) {
+    const Step& step = batch_.steps[index];
+    Folder parent;
+    if (StepResult opened = OpenFolder(step.target.folder, true, parent); !opened.ok()) return opened;
+    if (step.kind == StepKind::kRemoveFolder) {
+        const Status removed = sys_.RemoveFolderAt(*parent, step.target.name);
+        // Something was left or put in it: the folder stays, and nothing is wrong.
+        const bool isExpected =
+            removed.ok() || removed.code() == StatusCode::kNotEmpty || removed.code() == StatusCode::kNotFound;
+        return isExpected ? StepResult() : Failed(removed);
+    }
+    const uint32_t mode = step.mode & kPermissionBits;
+    if (step.kind == StepKind::kMakeFolder) {
+        const Status status = sys_.MakeFolderAt(*parent, step.target.name, mode | 0700);
+        if (!status.ok() && status.code() != StatusCode::kExists) return Failed(status);
+        const Result<FileInfo> info = sys_.StatAt(*parent, step.target.name);
+        if (!info.ok()) return Failed(info.status());
+        if (info->kind != FileKind::kFolder) return {ItemReason::kTargetTaken, {}};
+        made = FileIdentity::Of(*info);
+        if ((info->mode & 0700) == 0700) return {};
+        const Result<FileHandle> closed = sys_.OpenFolderAt(*parent, step.target.name);
+        if (closed.ok()) (void)sys_.SetMode(*closed, mode | 0700);  // the contents will say if that did not help
+        return {};
+    }
+    const Result<FileHandle> folder = sys_.OpenFolderAt(*parent, step.target.name);
+    if (!folder.ok()) return Failed(folder.status(), ItemReason::kTargetFolderChanged);
+    if (Status set = sys_.SetMode(*folder, mode); !set.ok()) return Failed(set);
+    const Status times = sys_.SetTimes(*folder, step.sourceId.modifiedNs, step.sourceId.modifiedNs);
+    return times.ok() ? StepResult() : Failed(times);
+}
+
+}  // namespace kinsort

@@ -1,0 +1,354 @@
+#include "fileop/StepRunner.h"
+
+#include <algorithm>
+#include <map>
+#include <utility>
+
+#include "fileop/JournalRecords.h"
+#include "fileop/Parallel.h"
+
+namespace kinsort {
+
+namespace {
+
+// Up to this many files are made durable one by one; beyond, the volume as a whole is cheaper.
+constexpr size_t kFewFiles = 4;
+// A cancel lets the group's finished contents become visible when no more than this has to reach the disk for it.
+constexpr uint64_t kQuickToSync = uint64_t{64} << 20;
+
+bool IsFull(StatusCode code) {
+    return code == StatusCode::kNoSpace || code == StatusCode::kQuota;
+}
+
+}  // namespace
+
+StepRunner::StepRunner(const FileOperationServices& services, Batch& batch, FolderTable& folders, Journal& journal,
+                       BatchPlanner* planner, ConflictResolver* resolver, ProgressMeter& meter,
+                       const CancelToken& cancel, RunnerSettings settings)
+    : services_(services),
+      batch_(batch),
+      folders_(folders),
+      journal_(journal),
+      planner_(planner),
+      resolver_(resolver),
+      meter_(meter),
+      cancel_(cancel),
+      settings_(settings),
+      actor_(services.sys, folders, batch, cancel),
+      journaledFolders_(batch.folders.size()) {}
+
+Status StepRunner::Run() {
+    meter_.SetPhase(BatchPhase::kRunning);
+    while (!wasCancelled()) {
+        Group group = TakeGroup();
+        if (group.empty()) break;
+        if (Status done = RunGroup(group); !done.ok()) return done;
+    }
+    return {};
+}
+
+StepRunner::Group StepRunner::TakeGroup() {
+    Group group;
+    const auto take = [&](uint32_t index) {
+        if (batch_.states[index].progress != StepProgress::kPending) return;
+        group.emplace_back();
+        group.back().index = index;
+    };
+    for (; !again_.empty() && group.size() < settings_.groupSize; again_.pop_front())
+        take(again_.front());
+    // What was put off may be what the rest depends on.
+    if (!group.empty()) return group;
+    for (; next_ < batch_.steps.size() && group.size() < settings_.groupSize; ++next_)
+        take(next_);
+    // A step and those that depend on it stay together.
+    for (; next_ < batch_.steps.size() && batch_.steps[next_].dependsOnPrevious; ++next_)
+        take(next_);
+    return group;
+}
+
+Status StepRunner::RunGroup(Group& group) {
+    folders_.CloseAll();  // each group looks anew whether the folders are still those that were chosen
+    MakeFolders(group);
+    PrepareAll(group);
+    AskAboutFullVolume(group);
+    DropWhenCancelled(group);
+    SyncContents(group, batch_.header.durability == Durability::kJournal);
+    if (Status recorded = RecordPrepared(group); !recorded.ok()) {
+        for (Slot& slot : group)
+            actor_.Discard(slot.index, slot.content);
+        return recorded;
+    }
+    PublishAll(group);
+    if (Status recorded = FinishTransfers(group); !recorded.ok()) return recorded;
+    FinishFolders(group);
+    return RecordOutcome(group);
+}
+
+void StepRunner::MakeFolders(Group& group) {
+    for (Slot& slot : group) {
+        if (batch_.steps[slot.index].kind != StepKind::kMakeFolder) continue;
+        slot.result = actor_.ActOnFolder(slot.index, batch_.states[slot.index].made);
+        Settle(slot);
+    }
+}
+
+void StepRunner::PrepareAll(Group& group) {
+    ForEach(group, [this](Slot& slot) {
+        const Step& step = batch_.steps[slot.index];
+        if (step.dependsOnPrevious || cancel_.isCancelled()) return;
+        if (MakesContent(step.kind)) {
+            const auto countBytes = [this](uint64_t bytes) { meter_.AddBytes(bytes); };
+            slot.result = actor_.Prepare(slot.index, countBytes, slot.content, batch_.states[slot.index].made);
+        } else if (step.kind == StepKind::kRemoveCopy) {
+            slot.result = actor_.VerifyRemoval(slot.index);
+        }
+    });
+    // Without descriptors left the rest of the group waits until this part of it is done and closed.
+    const bool hasAny =
+        std::any_of(group.begin(), group.end(), [](const Slot& slot) { return slot.content.file.isOpen(); });
+    for (Slot& slot : group) {
+        if (slot.result.ok()) continue;
+        if (slot.result.status.code() == StatusCode::kTooManyOpen && hasAny) {
+            again_.push_back(slot.index);
+            slot.isSettled = true;
+        } else if (slot.result.reason == ItemReason::kCancelled) {
+            slot.isSettled = true;  // stays pending
+        }
+    }
+}
+
+void StepRunner::AskAboutFullVolume(Group& group) {
+    for (Slot& slot : group) {
+        if (slot.isSettled || !IsFull(slot.result.status.code()) || resolver_ == nullptr || isCancelled_) continue;
+        const std::u16string path = InnerPathOf(services_.codec, batch_.folders, batch_.steps[slot.index].target);
+        switch (resolver_->ResolveFailure(path, slot.result.status)) {
+            case FailureAnswer::kRetry:
+                again_.push_back(slot.index);
+                slot.isSettled = true;
+                break;
+            case FailureAnswer::kCancel:
+                isCancelled_ = true;
+                break;
+            case FailureAnswer::kSkip:
+                break;
+        }
+    }
+}
+
+void StepRunner::DropWhenCancelled(Group& group) {
+    if (!cancel_.isCancelled()) return;
+    uint64_t bytes = 0;
+    for (const Slot& slot : group)
+        bytes += slot.content.file.isOpen() ? slot.content.source.size : 0;
+    const bool dropAll = bytes > kQuickToSync;
+    for (Slot& slot : group) {
+        if (slot.isSettled || !slot.result.ok()) continue;
+        if (!dropAll && slot.content.file.isOpen()) continue;
+        actor_.Discard(slot.index, slot.content);
+        slot.isSettled = true;  // stays pending: not reached
+    }
+}
+
+void StepRunner::SyncContents(Group& group, bool onlyTransfers) {
+    std::map<uint64_t, std::vector<Slot*>> byVolume;
+    for (Slot& slot : group) {
+        const Step& step = batch_.steps[slot.index];
+        if (slot.isSettled || !slot.result.ok() || !slot.content.file.isOpen()) continue;
+        if (onlyTransfers && !IsTransfer(step.kind)) continue;
+        byVolume[batch_.folders[step.target.folder].device].push_back(&slot);
+    }
+    for (auto& [device, slots] : byVolume) {
+        meter_.SetPhase(BatchPhase::kSyncing);
+        if (slots.size() > kFewFiles) {
+            SyncVolumeOf(batch_.steps[slots.front()->index].target.folder, slots);
+            continue;
+        }
+        for (Slot* slot : slots) {
+            if (Status synced = services_.sys.Sync(slot->content.file); !synced.ok()) {
+                slot->result = {ItemReason::kSystem, synced};
+            }
+        }
+    }
+    meter_.SetPhase(BatchPhase::kRunning);
+}
+
+void StepRunner::SyncVolumeOf(uint32_t folder, const std::vector<Slot*>& slots) {
+    const auto opened = folders_.Open(folder);
+    const Status synced = opened.ok() ? services_.sys.SyncVolume(**opened) : opened.status();
+    if (synced.ok()) return;
+    for (Slot* slot : slots)
+        slot->result = {ItemReason::kSystem, synced};
+}
+
+Status StepRunner::RecordPrepared(const Group& group) {
+    std::vector<uint32_t> prepared;
+    bool hasCopies = false;
+    for (const Slot& slot : group) {
+        if (slot.isSettled || !slot.result.ok() || !slot.content.file.isOpen()) continue;
+        prepared.push_back(slot.index);
+        // A transfer needs no sync here: its source still tells whether what stands at the target is complete.
+        hasCopies |= IsCopy(batch_.steps[slot.index].kind) || IsReplace(batch_.steps[slot.index].kind);
+    }
+    if (!prepared.empty()) journal_.Append(RecordType::kPrepared, EncodeProgress(prepared, batch_.states));
+    if (!hasCopies && !mustSyncJournal_) return {};
+    mustSyncJournal_ = false;
+    return journal_.Sync();
+}
+
+void StepRunner::PublishAll(Group& group) {
+    ForEach(group, [this](Slot& slot) {
+        const Step& step = batch_.steps[slot.index];
+        if (IsFolderStep(step.kind) || step.dependsOnPrevious) return;
+        if (slot.result.ok()) slot.result = actor_.Publish(slot.index, slot.content, batch_.states[slot.index].made);
+        if (!slot.result.ok()) actor_.Discard(slot.index, slot.content);
+        if (!IsTransfer(step.kind) || !slot.result.ok()) Settle(slot);
+    });
+}
+
+Status StepRunner::FinishTransfers(Group& group) {
+    std::map<uint64_t, std::vector<Slot*>> byVolume;
+    for (Slot& slot : group) {
+        const Step& step = batch_.steps[slot.index];
+        if (slot.isSettled || !slot.result.ok() || !IsTransfer(step.kind) || step.dependsOnPrevious) continue;
+        byVolume[batch_.folders[step.target.folder].device].push_back(&slot);
+    }
+    if (byVolume.empty()) return {};
+    // The names must be safe, and the journal must say so, before the only other copies go.
+    for (auto& [device, slots] : byVolume)
+        SyncVolumeOf(batch_.steps[slots.front()->index].target.folder, slots);
+    std::vector<uint32_t> copied;
+    for (auto& [device, slots] : byVolume) {
+        for (const Slot* slot : slots) {
+            if (slot->result.ok()) copied.push_back(slot->index);
+        }
+    }
+    std::sort(copied.begin(), copied.end());
+    journal_.Append(RecordType::kCopied, EncodeProgress(copied, batch_.states));
+    if (Status synced = journal_.Sync(); !synced.ok()) return synced;
+    ForEach(group, [this](Slot& slot) {
+        const Step& step = batch_.steps[slot.index];
+        if (!IsTransfer(step.kind) || step.dependsOnPrevious) return;
+        const FileIdentity& made = batch_.states[slot.index].made;
+        if (slot.result.ok()) {
+            slot.result = actor_.RemoveSource(slot.index, slot.content.source, made);
+        } else if (StepResult back = actor_.TakeBack(slot.index, made); !back.ok()) {
+            slot.result = back;
+        }
+        Settle(slot);
+    });
+    return {};
+}
+
+void StepRunner::FinishFolders(Group& group) {
+    for (Slot& slot : group) {
+        const Step& step = batch_.steps[slot.index];
+        if (slot.isSettled || wasCancelled()) continue;
+        if (step.dependsOnPrevious) {
+            const StepProgress before = batch_.states[slot.index - 1].progress;
+            if (before == StepProgress::kPending) {
+                again_.push_back(slot.index);  // what it depends on was put off
+                continue;
+            }
+            if (before == StepProgress::kDone) {
+                slot.result = actor_.Publish(slot.index, slot.content, batch_.states[slot.index].made);
+            } else {
+                slot.result = {batch_.states[slot.index - 1].reason, batch_.states[slot.index - 1].status};
+            }
+            Settle(slot);
+        } else if (step.kind == StepKind::kFinishFolder || step.kind == StepKind::kRemoveFolder) {
+            slot.result = actor_.ActOnFolder(slot.index, batch_.states[slot.index].made);
+            Settle(slot);
+        }
+    }
+}
+
+void StepRunner::Settle(Slot& slot) {
+    slot.isSettled = true;
+    if (!slot.result.ok()) return;  // RecordOutcome looks at failures one by one
+    batch_.states[slot.index].progress = StepProgress::kDone;
+    if (!IsFolderStep(batch_.steps[slot.index].kind)) meter_.AddItems(1);
+}
+
+Status StepRunner::RecordOutcome(Group& group) {
+    std::vector<uint32_t> done;
+    std::vector<uint32_t> failed;
+    for (Slot& slot : group) {
+        StepState& state = batch_.states[slot.index];
+        const bool isPutOff = std::find(again_.begin(), again_.end(), slot.index) != again_.end();
+        if (!slot.result.ok() && !isPutOff && slot.result.reason != ItemReason::kCancelled) SettleFailure(slot);
+        if (state.progress == StepProgress::kDone) done.push_back(slot.index);
+        if (state.progress == StepProgress::kFailed || state.progress == StepProgress::kSkipped)
+            failed.push_back(slot.index);
+    }
+    if (!done.empty()) journal_.Append(RecordType::kDone, EncodeProgress(done, batch_.states));
+    if (!failed.empty()) journal_.Append(RecordType::kFailed, EncodeFailed(failed, batch_.states));
+    return journal_.Flush();
+}
+
+void StepRunner::SettleFailure(Slot& slot) {
+    if (TryReplan(slot)) return;
+    StepState& state = batch_.states[slot.index];
+    const bool isSkip =
+        slot.result.reason == ItemReason::kConflictSkipped || slot.result.reason == ItemReason::kNotThereAnyMore;
+    state.progress = isSkip ? StepProgress::kSkipped : StepProgress::kFailed;
+    state.reason = slot.result.reason;
+    state.status = slot.result.status;
+    if (!IsFolderStep(batch_.steps[slot.index].kind)) meter_.AddItems(1);
+}
+
+bool StepRunner::TryReplan(Slot& slot) {
+    const auto stepCount = static_cast<uint32_t>(batch_.steps.size());
+    Replan decision = Replan::kFailed;
+    if (planner_ != nullptr && slot.result.reason == ItemReason::kTargetTaken &&
+        batch_.steps[slot.index].kind != StepKind::kMakeFolder) {
+        decision = planner_->ReplanTaken(slot.index);
+    } else if (planner_ != nullptr && slot.result.status.code() == StatusCode::kCrossVolume &&
+               IsMove(batch_.steps[slot.index].kind)) {
+        decision = planner_->ReplanAsTransfer(slot.index);
+    }
+    switch (decision) {
+        case Replan::kFailed:
+            return false;
+        case Replan::kSkipped:
+            slot.result = {ItemReason::kConflictSkipped, {}};
+            return false;
+        case Replan::kCancelled:
+            isCancelled_ = true;
+            return true;
+        case Replan::kAgain:
+            break;
+    }
+    batch_.states[slot.index] = {};
+    Rejournal(slot.index);
+    for (uint32_t added = stepCount; added < batch_.steps.size(); ++added)
+        Rejournal(added);
+    again_.push_back(slot.index);
+    return true;
+}
+
+void StepRunner::Rejournal(uint32_t index) {
+    for (; journaledFolders_ < batch_.folders.size(); ++journaledFolders_) {
+        journal_.Append(RecordType::kFolder, EncodeFolder(batch_.folders[journaledFolders_]));
+    }
+    journal_.Append(RecordType::kStep, EncodeStep(index, batch_.steps[index]));
+    mustSyncJournal_ = true;
+}
+
+void StepRunner::ForEach(Group& group, const std::function<void(Slot&)>& work) {
+    ForEachParallel(
+        group.size(), settings_.threads,
+        [&](size_t i) {
+            if (!group[i].isSettled) work(group[i]);
+        },
+        [&] { Tick(group); });
+}
+
+void StepRunner::Tick(const Group& group) {
+    meter_.Tick([&] { return NameOf(group.front().index); });
+}
+
+std::u16string StepRunner::NameOf(uint32_t index) const {
+    return services_.codec.NameToInner(batch_.steps[index].source.name);
+}
+
+}  // namespace kinsort

@@ -1,0 +1,86 @@
+// Works off the pending steps of a batch in groups: contents are made, made durable together, written down in the
+// journal, and only then named. After a crash at any point the journal tells of every step what can have happened.
+#pragma once
+
+#include <cstdint>
+#include <deque>
+#include <string>
+#include <vector>
+
+#include "fileop/Batch.h"
+#include "fileop/BatchPlanner.h"
+#include "fileop/ConflictResolver.h"
+#include "fileop/FolderTable.h"
+#include "fileop/Journal.h"
+#include "fileop/ProgressMeter.h"
+#include "fileop/StepActor.h"
+
+namespace kinsort {
+
+struct RunnerSettings {
+    unsigned threads = 2;
+    size_t groupSize = 1000;  // steps between two syncs of the journal
+};
+
+class StepRunner {
+  public:
+    // `planner` and `resolver` are null for an undo, a redo or a recovery: what is unforeseen then fails its step.
+    StepRunner(const FileOperationServices& services, Batch& batch, FolderTable& folders, Journal& journal,
+               BatchPlanner* planner, ConflictResolver* resolver, ProgressMeter& meter, const CancelToken& cancel,
+               RunnerSettings settings);
+
+    // Runs every pending step. A failure is the journal's or the disk's as a whole; steps fail in their states.
+    Status Run();
+    bool wasCancelled() const { return isCancelled_ || cancel_.isCancelled(); }
+    bool lostAttributes() const { return actor_.lostAttributes(); }
+
+  private:
+    struct Slot {
+        uint32_t index = 0;
+        PreparedContent content;
+        StepResult result;
+        bool isSettled = false;  // nothing further is to be done in this group
+    };
+    using Group = std::vector<Slot>;
+
+    Group TakeGroup();
+    Status RunGroup(Group& group);
+    void MakeFolders(Group& group);
+    void PrepareAll(Group& group);
+    void AskAboutFullVolume(Group& group);
+    void DropWhenCancelled(Group& group);
+    void SyncContents(Group& group, bool onlyTransfers);
+    void SyncVolumeOf(uint32_t folder, const std::vector<Slot*>& slots);
+    Status RecordPrepared(const Group& group);
+    void PublishAll(Group& group);
+    Status FinishTransfers(Group& group);
+    void FinishFolders(Group& group);
+    Status RecordOutcome(Group& group);
+    void Settle(Slot& slot);
+    // Decides what becomes of a step that did not work out.
+    void SettleFailure(Slot& slot);
+    // Writes a changed or new step, with folders that only it uses, into the journal.
+    void Rejournal(uint32_t index);
+    bool TryReplan(Slot& slot);
+    void ForEach(Group& group, const std::function<void(Slot&)>& work);
+    void Tick(const Group& group);
+    std::u16string NameOf(uint32_t index) const;
+
+    const FileOperationServices& services_;
+    Batch& batch_;
+    FolderTable& folders_;
+    Journal& journal_;
+    BatchPlanner* planner_;
+    ConflictResolver* resolver_;
+    ProgressMeter& meter_;
+    const CancelToken& cancel_;
+    const RunnerSettings settings_;
+    StepActor actor_;
+    size_t journaledFolders_;
+    uint32_t next_ = 0;             // first step that was in no group yet
+    std::deque<uint32_t> again_;    // steps that are to be tried once more
+    bool mustSyncJournal_ = false;  // the plan was changed since the last sync
+    bool isCancelled_ = false;
+};
+
+}  // namespace kinsort
