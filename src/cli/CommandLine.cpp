@@ -111,6 +111,11 @@ std::string ReadOptions(std::vector<std::string> arguments, CommandLine& line) {
                                                        : app.add_option(LibraryName(spec), values[index]);
         options[index]->multi_option_policy(CLI::MultiOptionPolicy::TakeLast);
     }
+    // The library would take the next argument as the value of "--to=".
+    for (const OptionId id : line.verb->options) {
+        if (std::find(arguments.begin(), arguments.end(), Dashed(SpecOf(id)) + "=") == arguments.end()) continue;
+        return Dashed(SpecOf(id)) + " is empty: give it a value or leave it out";
+    }
     std::reverse(arguments.begin(), arguments.end());  // as the library wants them
     try {
         app.parse(std::move(arguments));

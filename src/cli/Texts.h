@@ -13,7 +13,7 @@ namespace kinsort {
 // What a batch does, for the words around its outcome.
 enum class BatchAction : uint8_t { kCopy, kMove, kUndo, kRedo, kFinish };
 
-// "no space left on the volume: free some and try again"; the system's own text where ours has nothing to add.
+// "no space left on the volume; free some and try again"; the system's own text where ours has nothing to add.
 std::string StatusText(const Status& status);
 // Why an item was not done, as StatusText.
 std::string ReasonText(const ItemReport& report);
