@@ -12,11 +12,6 @@ StepResult Failed(const Status& status, ItemReason reason = ItemReason::kSystem)
     return {reason, status};
 }
 
-// What a failed look at the source means.
-StepResult SourceFailed(const Status& status) {
-    return Failed(status, status.code() == StatusCode::kNotFound ? ItemReason::kSourceGone : ItemReason::kSystem);
-}
-
 bool IsFolderGone(StatusCode code) {
     return code == StatusCode::kChanged || code == StatusCode::kIsLink || code == StatusCode::kNotFolder ||
            code == StatusCode::kNotFound;
@@ -50,7 +45,7 @@ StepResult StepActor::Prepare(uint32_t index, const ByteSink& copied, PreparedCo
     if (step.sourceId.kind == FileKind::kLink || step.isHardLink) {
         const Result<FileInfo> info = sys_.StatAt(*sourceFolder, step.source.name);
         if (!info.ok()) return SourceFailed(info.status());
-        if (!step.sourceId.IsSameFile(*info)) return {ItemReason::kSourceChanged, {}};
+        if (StepResult checked = CheckSource(step, *info); !checked.ok()) return checked;
         prepared.source = *info;
         return {};
     }
@@ -70,7 +65,7 @@ StepResult StepActor::CopyOnce(uint32_t index, const FileHandle& sourceFolder, c
     if (!from.ok()) return SourceFailed(from.status());
     const Result<FileInfo> info = sys_.Stat(*from);
     if (!info.ok()) return Failed(info.status());
-    if (!step.sourceId.IsSameFile(*info)) return {ItemReason::kSourceChanged, {}};
+    if (StepResult checked = CheckSource(step, *info); !checked.ok()) return checked;
     prepared.source = *info;
     if (StepResult empty = MakeEmptyFile(index, targetFolder, info->mode & kPermissionBits, prepared); !empty.ok()) {
         return empty;
@@ -150,7 +145,7 @@ StepResult StepActor::PublishMove(uint32_t index, FileIdentity& made) {
     if (StepResult opened = OpenFolder(step.target.folder, true, to); !opened.ok()) return opened;
     const Result<FileInfo> info = sys_.StatAt(*from, step.source.name);
     if (!info.ok()) return SourceFailed(info.status());
-    if (!step.sourceId.IsSameFile(*info)) return {ItemReason::kSourceChanged, {}};
+    if (StepResult checked = CheckSource(step, *info); !checked.ok()) return checked;
     made = FileIdentity::Of(*info);
     if (!IsReplace(step.kind)) {
         const Status moved = RenameFile(*from, step.source.name, *to, step.target.name, info->kind);

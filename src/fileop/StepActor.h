@@ -60,6 +60,9 @@ class StepActor {
   private:
     using Folder = std::shared_ptr<const FileHandle>;
 
+    bool IsTurningBack() const { return batch_.header.kind != BatchKind::kSort; }
+    StepResult SourceFailed(const Status& status) const;
+    StepResult CheckSource(const Step& step, const FileInfo& info) const;
     StepResult OpenFolder(uint32_t index, bool isTarget, Folder& folder);
     StepResult MakeEmptyFile(uint32_t index, const FileHandle& folder, uint32_t mode, PreparedContent& prepared);
     StepResult CopyOnce(uint32_t index, const FileHandle& sourceFolder, const FileHandle& targetFolder,

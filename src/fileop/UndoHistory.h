@@ -30,6 +30,8 @@ struct BatchSummary {
     uint64_t skipped = 0;
     std::u16string searchFolder;  // the folder above the target folders, inner form
     std::u16string firstItem;     // name of the first item
+    bool canUndo = false;         // something of it stands
+    bool canRedo = false;         // something of it was undone and can be done again
 };
 
 enum class RecoverAction : uint8_t {
