@@ -149,8 +149,9 @@ void MeasurePeer() {
     WriteLines(folder / "matching-folders.txt", names.folders);
     std::printf(
         "\npeers, 1e5 x 1e4 scaled from a few names, 1 thread (the best ratio of whole names: a similar question)\n");
-    const std::string command = std::string("python3 '") + KINSORT_MATCHING_PEER + "' '" +
-                                (folder / "matching-files.txt").string() + "' '" +
+    const char* python = std::getenv("KINSORT_PYTHON");  // where another python3 comes first in the path
+    const std::string command = std::string(python != nullptr ? python : "python3") + " '" + KINSORT_MATCHING_PEER +
+                                "' '" + (folder / "matching-files.txt").string() + "' '" +
                                 (folder / "matching-folders.txt").string() + "'";
     RunCommand(command, [&](const char* line) {
         char method[64];

@@ -130,7 +130,7 @@ class Generator {
     std::u16string MakeLatinWord() {
         std::u16string word;
         for (size_t parts = 2 + Below(3); parts > 0; --parts)
-            word += kSyllables[Skewed(std::size(kSyllables))];
+            word += kSyllables[Below(std::size(kSyllables))];
         return word;
     }
 
@@ -138,9 +138,9 @@ class Generator {
         std::u16string word;
         const size_t kind = Below(10);
         for (size_t units = 2 + Below(kind < 6 ? 2 : 4); units > 0; --units) {
-            const auto unit = kind < 6   ? 0x4E00 + Skewed(2500) * 7  // spread over the common ideographs
-                              : kind < 9 ? 0x30A2 + Skewed(70)
-                                         : 0x3042 + Skewed(70);
+            const auto unit = kind < 6   ? 0x4E00 + (Below(1 + Below(2500))) * 7  // spread over the common ideographs
+                              : kind < 9 ? 0x30A2 + Below(70)
+                                         : 0x3042 + Below(70);
             word += static_cast<char16_t>(unit);
         }
         return word;

@@ -18,8 +18,10 @@ class BigramTable {
     uint32_t Find(char16_t first, char16_t second) const {
         const uint32_t key = KeyOf(first, second);
         size_t at = (key * kMultiplier) >> shift_;
-        while (slots_[at].value != kAbsent && slots_[at].key != key)
+        // One condition on purpose: found and absent alternate at random, and only "look further" is predictable.
+        while (static_cast<int>(slots_[at].key != key) & static_cast<int>(slots_[at].value != kAbsent)) {
             at = (at + 1) & (slots_.size() - 1);
+        }
         return slots_[at].value;
     }
 

@@ -17,13 +17,14 @@ CandidateMatcher::CandidateMatcher(const FolderPieces& pieces, const RowKernel& 
       kernel_(kernel),
       keep_(keep),
       stripesPerBlock_(std::max<size_t>(4, kBlockBytes / sizeof(Stripe) / pieces.RowCount())),
+      lists_(kMaxRows + 1),
       counts_(pieces.FolderCount()),
       touched_(pieces.FolderCount() + 1) {}
 
 std::span<const TopMatches> CandidateMatcher::Match(std::span<const std::u16string_view> normalizedNames) {
     matches_.assign(normalizedNames.size(), TopMatches(keep_));
     pending_.clear();
-    rows_.clear();
+    rowsEnd_ = 0;
     for (size_t i = 0; i < normalizedNames.size(); ++i)
         StartName(normalizedNames[i], i);
     const size_t stripes = pieces_.StripesPerRow();
@@ -34,35 +35,58 @@ std::span<const TopMatches> CandidateMatcher::Match(std::span<const std::u16stri
     return matches_;
 }
 
-// Looks the pieces up and does the part of the work that needs no rows.
-void CandidateMatcher::StartName(std::u16string_view name, size_t index) {
-    found_.clear();
-    PendingRows pending{index, rows_.size(), 0, 0};
+// Puts the pieces of the name that some folder has into found_; returns their number. Whether a piece is found is as
+// good as random, so that the loop does not branch on it.
+size_t CandidateMatcher::FindPieces(std::u16string_view name) {
+    if (found_.size() < name.size()) found_.resize(name.size());
+    size_t found = 0;
     for (size_t i = 0; i + 1 < name.size(); ++i) {
         const uint32_t piece = pieces_.Find(name[i], name[i + 1]);
-        if (piece != BigramTable::kAbsent) found_.push_back(piece);
+        found_[found] = piece;
+        found += piece != BigramTable::kAbsent;
     }
-    if (found_.size() > kMaxRows) return MatchLongName(matches_[index]);
-    for (const uint32_t piece : found_) {
-        if (FolderPieces::IsRow(piece)) rows_.push_back(pieces_.RowOf(piece));
+    return found;
+}
+
+// Deals the found pieces out to rows_ and lists_, without a branch either; returns the number of lists.
+size_t CandidateMatcher::SplitPieces(size_t found) {
+    if (rows_.size() < rowsEnd_ + kMaxRows + 1) rows_.resize(rowsEnd_ * 2 + kMaxRows + 1);
+    size_t lists = 0;
+    for (size_t i = 0; i < found; ++i) {
+        const uint32_t piece = found_[i];
+        const bool isRow = FolderPieces::IsRow(piece);
+        rows_[rowsEnd_] = pieces_.RowOf(isRow ? piece : FolderPieces::kZeroRow);
+        rowsEnd_ += isRow;
+        lists_[lists] = piece;
+        lists += !isRow;
     }
-    pending.count = static_cast<int>(rows_.size() - pending.begin);
-    CountLists(pending, matches_[index]);
-    if (pending.count < matches_[index].WantedOf(0)) {
-        rows_.resize(pending.begin);  // folders that are in rows only cannot win any more
+    return lists;
+}
+
+// Looks the pieces up and does the part of the work that needs no rows.
+void CandidateMatcher::StartName(std::u16string_view name, size_t index) {
+    TopMatches& top = matches_[index];
+    const size_t found = FindPieces(name);
+    if (found > kMaxRows) return MatchLongName({found_.data(), found}, top);
+
+    PendingRows pending{index, rowsEnd_, 0, 0};
+    const size_t lists = SplitPieces(found);
+    pending.count = static_cast<int>(rowsEnd_ - pending.begin);
+    CountLists({lists_.data(), lists}, pending, top);
+    if (pending.count < top.WantedOf(0)) {
+        rowsEnd_ = pending.begin;  // folders that are in rows only cannot win any more
         return;
     }
-    while ((rows_.size() - pending.begin) % 4 != 0)
-        rows_.push_back(pieces_.ZeroRow());
-    pending.paddedCount = rows_.size() - pending.begin;
+    while ((rowsEnd_ - pending.begin) % 4 != 0)
+        rows_[rowsEnd_++] = pieces_.RowOf(FolderPieces::kZeroRow);
+    pending.paddedCount = rowsEnd_ - pending.begin;
     pending_.push_back(pending);
 }
 
 // Offers every folder that is in one of the lists and can win, with its full score.
-void CandidateMatcher::CountLists(const PendingRows& pending, TopMatches& top) {
+void CandidateMatcher::CountLists(std::span<const uint32_t> lists, const PendingRows& pending, TopMatches& top) {
     uint32_t* end = touched_.data();
-    for (const uint32_t piece : found_) {
-        if (FolderPieces::IsRow(piece)) continue;
+    for (const uint32_t piece : lists) {
         for (const uint32_t folder : pieces_.ListOf(piece)) {
             *end = folder;
             end += counts_[folder] == 0;
@@ -144,11 +168,11 @@ void CandidateMatcher::OfferHits(const RowSum& sum, size_t stripe, TopMatches& t
 }
 
 // Names with more pieces than the planes can count are rare: each folder's score in full, one piece after the other.
-void CandidateMatcher::MatchLongName(TopMatches& top) {
+void CandidateMatcher::MatchLongName(std::span<uint32_t> found, TopMatches& top) {
     longCounts_.assign(pieces_.FolderCount(), 0);
-    std::sort(found_.begin(), found_.end());
-    for (auto piece = found_.begin(); piece != found_.end();) {
-        const auto next = std::upper_bound(piece, found_.end(), *piece);
+    std::sort(found.begin(), found.end());
+    for (auto piece = found.begin(); piece != found.end();) {
+        const auto next = std::upper_bound(piece, found.end(), *piece);
         const auto times = static_cast<uint32_t>(next - piece);
         if (FolderPieces::IsRow(*piece)) {
             const Stripe* row = pieces_.RowOf(*piece);

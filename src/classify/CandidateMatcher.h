@@ -31,22 +31,26 @@ class CandidateMatcher {
         int count;
     };
 
+    size_t FindPieces(std::u16string_view name);
+    size_t SplitPieces(size_t found);
     void StartName(std::u16string_view name, size_t index);
-    void CountLists(const PendingRows& pending, TopMatches& top);
+    void CountLists(std::span<const uint32_t> lists, const PendingRows& pending, TopMatches& top);
     int CountRows(const PendingRows& pending, uint32_t folder) const;
     void AddUpRows(const PendingRows& pending, size_t from, size_t limit);
     void OfferHits(const RowSum& sum, size_t stripe, TopMatches& top);
-    void MatchLongName(TopMatches& top);
+    void MatchLongName(std::span<uint32_t> found, TopMatches& top);
 
     const FolderPieces& pieces_;
     const RowKernel& kernel_;
     const TopMatches::Keep keep_;
     size_t stripesPerBlock_;
+    size_t rowsEnd_ = 0;  // how much of rows_ is in use
 
     std::vector<TopMatches> matches_;
     std::vector<PendingRows> pending_;
     std::vector<const Stripe*> rows_;
     std::vector<uint32_t> found_;    // the pieces of the name at hand that some folder has
+    std::vector<uint32_t> lists_;    // those of them that are lists
     std::vector<uint8_t> counts_;    // for each folder the pieces met in lists; all 0 between names
     std::vector<uint32_t> touched_;  // the folders whose count is not 0
     std::vector<uint32_t> longCounts_;

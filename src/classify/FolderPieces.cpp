@@ -8,7 +8,7 @@ namespace {
 // A piece gets a row when at least one folder in this many has it. Walking a list costs a step per folder and adding a
 // row a step per 512 folders, but a search often ends before it has to add rows at all; this is where the two met when
 // measured.
-constexpr size_t kRowShare = 256;
+constexpr size_t kRowShare = 512;
 
 // The distinct pieces of every folder as provisional numbers, folder after folder.
 struct NumberedPieces {

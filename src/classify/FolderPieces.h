@@ -16,6 +16,8 @@ namespace kinsort {
 
 class FolderPieces {
   public:
+    static constexpr uint32_t kZeroRow = 0x80000000;  // the handle of a row that no folder is in
+
     FolderPieces(const NameNormalizer& normalizer, std::span<const std::u16string> folderNames);
 
     // A handle for the piece, BigramTable::kAbsent when no folder has it.
@@ -25,7 +27,6 @@ class FolderPieces {
     // Ascending folder indices.
     std::span<const uint32_t> ListOf(uint32_t piece) const { return {&lists_[piece + 1], lists_[piece]}; }
 
-    const Stripe* ZeroRow() const { return rows_.data(); }
     size_t FolderCount() const { return folderCount_; }
     size_t StripesPerRow() const { return stripesPerRow_; }
     size_t RowCount() const { return rows_.size() / stripesPerRow_; }
@@ -33,6 +34,7 @@ class FolderPieces {
 
   private:
     static constexpr uint32_t kRowFlag = 0x80000000;
+    static_assert(kZeroRow == kRowFlag);
 
     std::vector<uint32_t> PlacePieces(const std::vector<uint32_t>& folderCounts);
 

@@ -39,13 +39,16 @@ std::u16string NameNormalizer::Normalize(std::u16string_view name) const {
 }
 
 char16_t* NameNormalizer::NormalizeInto(std::u16string_view name, char16_t* out) const {
-    // Both units are always written and the end moves by as many as count: no branch depends on the text. Writing two
-    // is safe, because a unit before the last never moved the end by more than two.
+    // Both units are always written and the end moves by as many as count, without a branch: whether a unit is noise is
+    // hard to predict. Writing two is safe, because a unit never moved the end by more than two.
     for (const char16_t unit : name) {
         const uint32_t mapping = mappings_[unit];
+        const uint32_t second = mapping >> 16;
         out[0] = static_cast<char16_t>(mapping);
-        out[1] = static_cast<char16_t>(mapping >> 16);
-        out += mapping == kDropped ? 0 : 1 + (mapping > 0xFFFF);
+        out[1] = static_cast<char16_t>(second);
+        const uint32_t hasSecond = (second + 0xFFFF) >> 16;  // 1 unless it is 0
+        const uint32_t isDropped = (second + 1) >> 16;       // 1 when it is 0xFFFF
+        out += 1 + hasSecond - isDropped * 2;
     }
     return out;
 }

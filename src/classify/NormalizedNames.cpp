@@ -41,8 +41,10 @@ void NormalizedNames::Assign(const NameNormalizer& normalizer, std::span<const s
     distinctOf_.clear();
 
     char16_t* begin = units_.data();
-    for (const std::u16string_view name : names) {
-        char16_t* end = normalizer.NormalizeInto(name, begin);
+    for (size_t i = 0; i < names.size(); ++i) {
+        // The names lie all over the memory: without asking ahead, waiting for them is half the time spent here.
+        if (i + 8 < names.size()) __builtin_prefetch(names[i + 8].data());
+        char16_t* end = normalizer.NormalizeInto(names[i], begin);
         const std::u16string_view normalized(begin, static_cast<size_t>(end - begin));
         size_t slot = HashOf(normalized) & (slotCount - 1);
         while (slots_[slot] != 0 && distinct_[slots_[slot] - 1] != normalized)
