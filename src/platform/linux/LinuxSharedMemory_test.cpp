@@ -193,7 +193,7 @@ TEST(RuntimeFolder, StandsInTheLoginsOwnFolderOrApart) {
     };
     EXPECT_EQ(find(temporary.path()), temporary.path() + "/vel");
     EXPECT_EQ(find(""), apart);
-    EXPECT_EQ(find("relative"), apart);
+    EXPECT_EQ(find("."), apart);
     EXPECT_EQ(find(temporary.path() + "/missing"), apart);
     ASSERT_EQ(chmod(temporary.path().c_str(), 0777), 0);
     EXPECT_EQ(find(temporary.path()), apart);
