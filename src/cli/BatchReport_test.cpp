@@ -5,7 +5,7 @@
 
 #include <gmock/gmock.h>
 
-#include "cli/CliFixture.h"
+#include "cli/CliFixture_test.h"
 
 namespace kinsort {
 namespace {

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "cli/CliFixture.h"
+#include "cli/CliFixture_test.h"
 
 namespace kinsort {
 namespace {

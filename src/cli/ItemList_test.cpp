@@ -2,7 +2,7 @@
 
 #include <gmock/gmock.h>
 
-#include "cli/CliFixture.h"
+#include "cli/CliFixture_test.h"
 #include "cli/FileUri.h"
 
 namespace kinsort {
