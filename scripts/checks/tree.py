@@ -16,8 +16,10 @@ def files(top, *suffixes):
     """Paths below `top`, relative, of what is tracked or could be: ignored files are left out."""
     listing = subprocess.run(
         ["git", "-C", str(top), "ls-files", "-z", "--cached", "--others", "--exclude-standard"],
-        check=True, capture_output=True).stdout.decode()
-    names = sorted(set(filter(None, listing.split("\0"))))
+        capture_output=True)
+    if listing.returncode != 0:
+        sys.exit(f"{top}: git cannot list the files: {listing.stderr.decode().strip()}")
+    names = sorted(set(filter(None, listing.stdout.decode().split("\0"))))
     return [n for n in names if n.endswith(suffixes or ("",)) and (top / n).is_file()]
 
 
