@@ -28,7 +28,8 @@ struct SearchOptions {
 };
 
 // Sets arrCandidates of every row to the best folder or to nothing. When `scores` is not null it is set to one pair per
-// row (an index of -1 where minScore left the match out); the pair's indices refer to `folders`.
+// row (an index of -1 where minScore left the match out); the pair's indices refer to `folders`. Without folders
+// nothing is touched, `scores` included.
 SearchOutcome FillCandidates(ClassificationPlan& plan, const std::vector<std::u16string>& folders,
                              const NameNormalizer& normalizer, const SearchOptions& options,
                              std::vector<CandidatePair>* scores);

@@ -25,6 +25,8 @@ class ClassificationPlan {
     void AddItem(std::u16string path);
     // Takes row `index` out and frees it; an index outside the plan does nothing.
     void RemoveItem(size_t index);
+    // Takes every row out whose arrCandidates is empty; the others keep their order.
+    void RemoveWithoutCandidate();
     void RemoveAll();
     size_t GetCount() const;
     CmdListItem& operator[](size_t index) { return *m_items[index]; }

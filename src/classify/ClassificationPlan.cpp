@@ -1,0 +1,35 @@
+#include "classify/ClassificationPlan.h"
+
+#include <utility>
+
+namespace kinsort {
+
+void ClassificationPlan::AddItem(std::u16string path) {
+    auto item = std::make_unique<CmdListItem>();
+    item->strName = path.substr(path.find_last_of(u"\\/") + 1);  // npos + 1 is 0: the whole path
+    item->strPath = std::move(path);
+    const std::lock_guard lock(m_csItems);
+    m_items.push_back(std::move(item));
+}
+
+void ClassificationPlan::RemoveItem(size_t index) {
+    const std::lock_guard lock(m_csItems);
+    if (index < m_items.size()) m_items.erase(m_items.begin() + static_cast<std::ptrdiff_t>(index));
+}
+
+void ClassificationPlan::RemoveWithoutCandidate() {
+    const std::lock_guard lock(m_csItems);
+    std::erase_if(m_items, [](const auto& item) { return item->arrCandidates.empty(); });
+}
+
+void ClassificationPlan::RemoveAll() {
+    const std::lock_guard lock(m_csItems);
+    m_items.clear();
+}
+
+size_t ClassificationPlan::GetCount() const {
+    const std::lock_guard lock(m_csItems);
+    return m_items.size();
+}
+
+}  // namespace kinsort
