@@ -160,7 +160,7 @@ class LinuxPathCodec final : public PathCodec {
             return ResolveEntry(std::string(1, static_cast<char>(letter)) + ":");
         }
         if (root.kind != PathRootKind::kShare || IsDots(root.server) || IsDots(root.share)) {
-            return Status::Failure(StatusCode::kInvalid);
+            return StatusFromErrno(EINVAL);
         }
         Result<std::string> asWritten =
             ResolveEntry("unc/" + NameToStored(root.server) + "/" + NameToStored(root.share));
@@ -177,7 +177,7 @@ class LinuxPathCodec final : public PathCodec {
     static bool IsDots(std::u16string_view name) { return name == u"." || name == u".."; }
 
     Result<std::string> ResolveEntry(const std::string& entry) const {
-        if (drivesFolder_.empty()) return Status::Failure(StatusCode::kNotFound);
+        if (drivesFolder_.empty()) return StatusFromErrno(ENOENT);
         const std::unique_ptr<char, decltype(&std::free)> resolved(
             realpath((drivesFolder_ + "/" + entry).c_str(), nullptr), &std::free);
         if (resolved == nullptr) return StatusFromErrno(errno);

@@ -4,8 +4,9 @@ if(NOT TARGET kinsort_linux_error)
   target_link_libraries(kinsort_linux_error PUBLIC kinsort_platform)
 endif()
 
-kinsort_library(linux_paths SOURCES LinuxClock.cpp LinuxFileSystem.cpp LinuxPathCodec.cpp LinuxSystemInfo.cpp PathWalk.cpp
-  DEPS kinsort_platform kinsort_linux_error)
+kinsort_library(linux_paths SOURCES ChildReaper.cpp LinuxClock.cpp LinuxDesktopOpener.cpp LinuxFileSystem.cpp
+  LinuxPathCodec.cpp LinuxProcesses.cpp LinuxSystemInfo.cpp PathWalk.cpp
+  DEPS kinsort_platform kinsort_linux_error Threads::Threads)
 target_link_libraries(kinsort_linux_paths PRIVATE ICU::uc)
 kinsort_test(LinuxPathCodec_test SOURCES LinuxPathCodec_test.cpp DEPS kinsort_linux_paths)
 kinsort_test(FileSystem_test SOURCES FileSystem_test.cpp DEPS kinsort_linux_paths kinsort_fake_paths)

@@ -1,0 +1,28 @@
+#include "framework/CopyData.h"
+
+#include "text/Numbers.h"
+
+namespace kinsort {
+
+std::vector<std::byte> CopyDataBytes(std::u16string_view text) {
+    std::vector<std::byte> bytes;
+    bytes.reserve(2 * text.size() + 2);
+    for (const char16_t unit : text) {
+        bytes.push_back(static_cast<std::byte>(unit & 0xFF));
+        bytes.push_back(static_cast<std::byte>(unit >> 8));
+    }
+    bytes.resize(bytes.size() + 2);
+    return bytes;
+}
+
+Result<int64_t> SendCopyData(WindowMessages& messages, UserInterface& ui, WindowHandle target, std::u16string_view text,
+                             uint32_t number) {
+    return messages.SendData(target, ui.MainWindow(), number, CopyDataBytes(text));
+}
+
+Result<int64_t> SendCommandText(WindowMessages& messages, UserInterface& ui, WindowHandle target,
+                                std::u16string_view text, int32_t command, uint32_t number) {
+    return SendCopyData(messages, ui, target, FormatInteger(command).append(u"/").append(text), number);
+}
+
+}  // namespace kinsort
