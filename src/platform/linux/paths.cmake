@@ -10,3 +10,5 @@ kinsort_library(linux_paths SOURCES ChildReaper.cpp LinuxClock.cpp LinuxDesktopO
 target_link_libraries(kinsort_linux_paths PRIVATE ICU::uc)
 kinsort_test(LinuxPathCodec_test SOURCES LinuxPathCodec_test.cpp DEPS kinsort_linux_paths)
 kinsort_test(FileSystem_test SOURCES FileSystem_test.cpp DEPS kinsort_linux_paths kinsort_fake_paths)
+kinsort_test(LinuxProcesses_test SOURCES LinuxProcesses_test.cpp DEPS kinsort_linux_paths)
+kinsort_test(LinuxDesktopOpener_test SOURCES LinuxDesktopOpener_test.cpp DEPS kinsort_linux_paths kinsort_fake_paths)
