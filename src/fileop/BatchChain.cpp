@@ -49,7 +49,8 @@ class Inverter {
         AddFolders(from);
         batchId_ = from.header.id;
         for (auto i = static_cast<uint32_t>(from.steps.size()); i-- > 0;) {
-            if (!stands[i]) continue;
+            // What finished a folder has nothing to take back: the folder's own step has.
+            if (!stands[i] || from.steps[i].kind == StepKind::kFinishFolder) continue;
             step_ = i;
             InvertStep(from, i);
         }
@@ -218,6 +219,12 @@ Result<BatchChain> BatchChain::Load(JournalStore& store, BatchId root, const std
     }
     if (batches.empty()) return Status::Failure(StatusCode::kNotFound);
     return BatchChain(std::move(batches));
+}
+
+const Batch& BatchChain::newestForward() const {
+    const auto found = std::find_if(batches_.rbegin(), batches_.rend(),
+                                    [](const LoadedBatch& loaded) { return IsForward(loaded.batch.header.kind); });
+    return found->batch;
 }
 
 Status BatchChain::CheckTrust() const {

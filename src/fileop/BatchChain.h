@@ -20,6 +20,8 @@ class BatchChain {
     // Oldest first; the sort itself is the front.
     const std::vector<LoadedBatch>& batches() const { return batches_; }
     const Batch& sort() const { return batches_.front().batch; }
+    // The sort, or the newest redo of it.
+    const Batch& newestForward() const;
 
     // kCorrupt or kTooNew when one of the journals cannot be trusted.
     Status CheckTrust() const;

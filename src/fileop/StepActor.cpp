@@ -33,8 +33,19 @@ StepResult StepActor::OpenFolder(uint32_t index, bool isTarget, Folder& folder) 
     return Failed(opened.status(), isTarget ? ItemReason::kTargetFolderChanged : ItemReason::kSourceGone);
 }
 
-// --- content
-// ----------------------------------------------------------------------------------------------------------
+// What a failed look at the source means.
+StepResult StepActor::SourceFailed(const Status& status) const {
+    if (status.code() != StatusCode::kNotFound) return Failed(status);
+    return Failed(status, IsTurningBack() ? ItemReason::kNotThereAnyMore : ItemReason::kSourceGone);
+}
+
+// A sort takes a file as it is now, as long as it is the one that was chosen. What is turned back must be as it was
+// left.
+StepResult StepActor::CheckSource(const Step& step, const FileInfo& info) const {
+    if (!IsTurningBack())
+        return step.sourceId.IsSameFile(info) ? StepResult() : StepResult{ItemReason::kSourceChanged, {}};
+    return step.sourceId.IsUnchanged(info) ? StepResult() : StepResult{ItemReason::kFileChangedSince, {}};
+}
 
 StepResult StepActor::Prepare(uint32_t index, const ByteSink& copied, PreparedContent& prepared, FileIdentity& made) {
     const Step& step = batch_.steps[index];
@@ -126,9 +137,6 @@ void StepActor::Discard(uint32_t index, PreparedContent& prepared) {
         (void)sys_.RemoveFileAt(**folder, TemporaryName(batch_.header.id, index));
     }
 }
-
-// --- the visible change
-// -----------------------------------------------------------------------------------------------
 
 StepResult StepActor::Publish(uint32_t index, PreparedContent& prepared, FileIdentity& made) {
     const StepKind kind = batch_.steps[index].kind;
@@ -266,9 +274,6 @@ Status StepActor::RenameFile(const FileHandle& fromFolder, const std::string& fr
     return sys_.RemoveFileAt(fromFolder, from);
 }
 
-// --- the end of a transfer
-// --------------------------------------------------------------------------------------------
-
 StepResult StepActor::RemoveSource(uint32_t index, const FileInfo& copied, const FileIdentity& made) {
     const Step& step = batch_.steps[index];
     Folder from;
@@ -299,9 +304,6 @@ StepResult StepActor::TakeBack(uint32_t index, const FileIdentity& made) {
     const Status back = RenameFile(*kept, KeptName(index), *to, step.target.name, step.targetId.kind);
     return back.ok() ? StepResult() : Failed(back);
 }
-
-// --- removing a copy
-// --------------------------------------------------------------------------------------------------
 
 StepResult StepActor::VerifyRemoval(uint32_t index) {
     const Step& step = batch_.steps[index];
@@ -345,9 +347,6 @@ StepResult StepActor::RemoveVerified(uint32_t index) {
     const Status removed = sys_.RemoveFileAt(*folder, step.target.name);
     return removed.ok() ? StepResult() : Failed(removed);
 }
-
-// --- folders
-// ----------------------------------------------------------------------------------------------------------
 
 StepResult StepActor::ActOnFolder(uint32_t index, FileIdentity& made) {
     const Step& step = batch_.steps[index];

@@ -35,7 +35,8 @@ StepRunner::StepRunner(const FileOperationServices& services, Batch& batch, Fold
       cancel_(cancel),
       settings_(settings),
       actor_(services.sys, folders, batch, cancel),
-      journaledFolders_(batch.folders.size()) {}
+      journaledFolders_(batch.folders.size()),
+      plannedSteps_(batch.steps.size()) {}
 
 Status StepRunner::Run() {
     meter_.SetPhase(BatchPhase::kRunning);
@@ -80,6 +81,9 @@ Status StepRunner::RunGroup(Group& group) {
     }
     PublishAll(group);
     if (Status recorded = FinishTransfers(group); !recorded.ok()) return recorded;
+    for (Slot& slot : group) {
+        if (!slot.result.ok()) SettleFailure(slot);
+    }
     FinishFolders(group);
     return RecordOutcome(group);
 }
@@ -243,6 +247,11 @@ void StepRunner::FinishFolders(Group& group) {
     for (Slot& slot : group) {
         const Step& step = batch_.steps[slot.index];
         if (slot.isSettled || wasCancelled()) continue;
+        const bool hasNewSteps = next_ < batch_.steps.size() && batch_.steps.size() > plannedSteps_;
+        if (IsFolderStep(step.kind) && (!again_.empty() || hasNewSteps)) {
+            finishLast_.push_front(slot.index);
+            continue;
+        }
         if (step.dependsOnPrevious) {
             const StepProgress before = batch_.states[slot.index - 1].progress;
             if (before == StepProgress::kPending) {
@@ -254,17 +263,17 @@ void StepRunner::FinishFolders(Group& group) {
             } else {
                 slot.result = {batch_.states[slot.index - 1].reason, batch_.states[slot.index - 1].status};
             }
-            Settle(slot);
         } else if (step.kind == StepKind::kFinishFolder || step.kind == StepKind::kRemoveFolder) {
             slot.result = actor_.ActOnFolder(slot.index, batch_.states[slot.index].made);
-            Settle(slot);
         }
+        Settle(slot);
+        if (!slot.result.ok()) SettleFailure(slot);
     }
 }
 
 void StepRunner::Settle(Slot& slot) {
     slot.isSettled = true;
-    if (!slot.result.ok()) return;  // RecordOutcome looks at failures one by one
+    if (!slot.result.ok()) return;  // SettleFailure looks at these, one at a time
     batch_.states[slot.index].progress = StepProgress::kDone;
     if (!IsFolderStep(batch_.steps[slot.index].kind)) meter_.AddItems(1);
 }
@@ -273,9 +282,7 @@ Status StepRunner::RecordOutcome(Group& group) {
     std::vector<uint32_t> done;
     std::vector<uint32_t> failed;
     for (Slot& slot : group) {
-        StepState& state = batch_.states[slot.index];
-        const bool isPutOff = std::find(again_.begin(), again_.end(), slot.index) != again_.end();
-        if (!slot.result.ok() && !isPutOff && slot.result.reason != ItemReason::kCancelled) SettleFailure(slot);
+        const StepState& state = batch_.states[slot.index];
         if (state.progress == StepProgress::kDone) done.push_back(slot.index);
         if (state.progress == StepProgress::kFailed || state.progress == StepProgress::kSkipped)
             failed.push_back(slot.index);
@@ -286,7 +293,8 @@ Status StepRunner::RecordOutcome(Group& group) {
 }
 
 void StepRunner::SettleFailure(Slot& slot) {
-    if (TryReplan(slot)) return;
+    const bool isPutOff = std::find(again_.begin(), again_.end(), slot.index) != again_.end();
+    if (isPutOff || slot.result.reason == ItemReason::kCancelled || TryReplan(slot)) return;
     StepState& state = batch_.states[slot.index];
     const bool isSkip =
         slot.result.reason == ItemReason::kConflictSkipped || slot.result.reason == ItemReason::kNotThereAnyMore;

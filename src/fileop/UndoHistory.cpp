@@ -22,8 +22,8 @@ BatchResult Refused(Status status) {
     return result;
 }
 
-// Puts the modification times of folders back to what they were before a sort, where an undo left them as the sort had
-// found them and nobody else changed them meanwhile.
+// Puts the modification times of folders back to what they were before a sort: those that nobody changed between the
+// sort and its undo.
 class FolderTimes {
   public:
     FolderTimes(Sys& sys, const Batch& sort) : sys_(sys), sort_(sort), folders_(sys, copy_.folders) {
@@ -105,7 +105,7 @@ BatchResult ChainWork::TurnBack(BatchKind kind, ProgressSink* progress, const Ca
         // Brings device numbers of an earlier boot up to date; a folder that is gone fails its steps later.
         if (batch.folders[i].isOtherBoot && batch.folders[i].inode != 0) (void)folders.Open(i);
     }
-    FolderTimes times(services_.sys, chain_->sort());
+    FolderTimes times(services_.sys, chain_->newestForward());
     ProgressMeter meter(services_.clock, progress);
     BatchSession session(services_, store_, batch, folders, created->journal, meter);
     BatchResult result;
