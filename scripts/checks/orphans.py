@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Every source belongs to a target, and every test to one that ctest runs. Follows the CMake files from the top, so a
+"""Every source belongs to a target, and every test to something that ctest runs. Follows the CMake files from the top, so a
 folder or an included file that nobody adds counts as missing."""
 
 import posixpath
@@ -33,8 +33,7 @@ def read_cmake(top, folder, name, sources):
             read_cmake(top, folder, posixpath.relpath(included, folder or "."), sources)
         else:
             for word in words:
-                if word.endswith(".cpp"):
-                    sources.setdefault(word, set()).add(command)
+                sources.setdefault(word, set()).add(command)
 
 
 def main():
@@ -47,6 +46,9 @@ def main():
             faults.append((name, 1, f"no target builds this file; list it in {posixpath.dirname(name)}/CMakeLists.txt"))
         elif name.endswith("_test.cpp") and "kinsort_test" not in sources[name]:
             faults.append((name, 1, "built, but no test runs it; list it in a kinsort_test()"))
+    for name in tree.files(top, "_test.py", "_test.sh"):
+        if name.startswith("tests/") and not {name, name.rsplit(".", 1)[0]} & sources.keys():
+            faults.append((name, 1, f"ctest does not run it; name it in {posixpath.dirname(name)}/CMakeLists.txt"))
     tree.finish(faults)
 
 

@@ -12,7 +12,9 @@ from pathlib import Path
 HERE = Path(__file__).resolve().parent
 
 SOUND = {
-    "CMakeLists.txt": "add_subdirectory(src)\nadd_subdirectory(fuzz)\n",
+    "CMakeLists.txt": "add_subdirectory(src)\nadd_subdirectory(fuzz)\nadd_subdirectory(tests)\n",
+    "tests/CMakeLists.txt": "foreach(name plan_test)\n  add_test(NAME ${name} COMMAND ${name}.py)\nendforeach()\n",
+    "tests/plan_test.py": "",
     "fuzz/CMakeLists.txt": "include(${CMAKE_CURRENT_SOURCE_DIR}/a.cmake OPTIONAL)\n",
     "fuzz/a.cmake": "add_executable(a_fuzz A_fuzz.cpp)\n",
     "fuzz/A_fuzz.cpp": '#include <unistd.h>\n\n#include "cli/Verbs.h"\n',
@@ -48,6 +50,7 @@ FAULTS = [
     ("headers", "src/fileop/Batch.h", "#include <immintrin.h>\n", "src/fileop/Batch.h:1: <immintrin.h>"),
     ("headers", "src/text/Trim.h", "#pragma once\n#ifdef _WIN32\n", "src/text/Trim.h:2: conditional code"),
     ("orphans", "src/text/Lost_test.cpp", "", "src/text/Lost_test.cpp:1: no target"),
+    ("orphans", "tests/sort_test.py", "", "tests/sort_test.py:1: ctest does not run it"),
     ("orphans", "fuzz/CMakeLists.txt", "# include(a.cmake)\n", "fuzz/A_fuzz.cpp:1: no target"),
     ("orphans", "src/text/CMakeLists.txt", "kinsort_library(text SOURCES Trim.cpp Trim_test.cpp)\n",
      "src/text/Trim_test.cpp:1: built, but no test runs it"),
