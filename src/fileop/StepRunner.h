@@ -77,10 +77,11 @@ class StepRunner {
     const RunnerSettings settings_;
     StepActor actor_;
     size_t journaledFolders_;
-    const size_t plannedSteps_;     // before anything had to be planned anew
-    uint32_t next_ = 0;             // first step that was in no group yet
-    std::deque<uint32_t> again_;    // steps that are to be tried once more
-    bool mustSyncJournal_ = false;  // the plan was changed since the last sync
+    const size_t plannedSteps_;        // before anything had to be planned anew
+    uint32_t next_ = 0;                // first step that was in no group yet
+    std::deque<uint32_t> again_;       // steps that are to be tried once more
+    std::deque<uint32_t> finishLast_;  // ends of folders that still get something, the innermost first
+    bool mustSyncJournal_ = false;     // the plan was changed since the last sync
     bool isCancelled_ = false;
 };
 
