@@ -64,6 +64,9 @@ StepRunner::Group StepRunner::TakeGroup() {
     // A step and those that depend on it stay together.
     for (; next_ < batch_.steps.size() && batch_.steps[next_].dependsOnPrevious; ++next_)
         take(next_);
+    if (!group.empty()) return group;
+    for (; !finishLast_.empty(); finishLast_.pop_front())
+        take(finishLast_.front());
     return group;
 }
 
