@@ -46,6 +46,7 @@ class Inverter {
 
     void InvertBatch(const LoadedBatch& loaded, const std::vector<bool>& stands) {
         const Batch& from = loaded.batch;
+        const size_t firstStep = out_.steps.size();
         AddFolders(from);
         batchId_ = from.header.id;
         for (auto i = static_cast<uint32_t>(from.steps.size()); i-- > 0;) {
@@ -58,11 +59,24 @@ class Inverter {
             Add(finishes_[i], finishItems_[i]);
         finishes_.clear();
         finishItems_.clear();
+        MakeFoldersFirst(firstStep);
     }
 
   private:
     Place Moved(const Place& place) const {
         return {place.folder == kNoIndex ? kNoIndex : place.folder + base_, place.name};
+    }
+
+    // Every folder before what goes into it, outer ones before inner ones.
+    void MakeFoldersFirst(size_t firstStep) {
+        const auto begin = out_.steps.begin() + static_cast<std::ptrdiff_t>(firstStep);
+        const auto depth = [this](const Step& step) {
+            const std::string path = StoredPathOf(out_.folders, step.target.folder);
+            return std::count(path.begin(), path.end(), '/');
+        };
+        const auto rest = std::stable_partition(begin, out_.steps.end(),
+                                                [](const Step& step) { return step.kind == StepKind::kMakeFolder; });
+        std::stable_sort(begin, rest, [&depth](const Step& a, const Step& b) { return depth(a) < depth(b); });
     }
 
     void InvertStep(const Batch& from, uint32_t index) {
