@@ -1,6 +1,7 @@
 #include "platform/linux/LinuxFileSystem.h"
 
 #include <algorithm>
+#include <array>
 #include <cstdlib>
 #include <optional>
 #include <utility>
@@ -11,22 +12,31 @@
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unicode/uchar.h>
+#include <unicode/utf16.h>
 
 #include "platform/linux/LinuxError.h"
 #include "platform/linux/PathWalk.h"
 #include "text/PathSyntax.h"
-#include "text/Utf8.h"
 #include "text/Wildcard.h"
 
 namespace kinsort {
 
 namespace {
 
-char16_t UpperUnit(char16_t unit) {
-    if (unit < 0x80) return unit >= u'a' && unit <= u'z' ? static_cast<char16_t>(unit - 0x20) : unit;
-    if (IsHighSurrogate(unit) || IsLowSurrogate(unit)) return unit;
-    const UChar32 upper = u_toupper(unit);
-    return upper <= 0xFFFF ? static_cast<char16_t>(upper) : unit;
+using UpperTable = std::array<char16_t, 0x10000>;
+
+// Simple upper case, unit by unit.
+const UpperTable& Upper() {
+    static const auto table = [] {
+        auto upper = std::make_unique<UpperTable>();
+        for (size_t i = 0; i < upper->size(); ++i) {
+            const auto unit = static_cast<char16_t>(i);
+            const UChar32 mapped = U16_IS_SURROGATE(unit) ? unit : u_toupper(unit);
+            (*upper)[i] = mapped <= 0xFFFF ? static_cast<char16_t>(mapped) : unit;
+        }
+        return upper;
+    }();
+    return *table;
 }
 
 uint32_t AttributesOf(const struct stat& info, bool isLink, std::u16string_view name) {
@@ -60,7 +70,6 @@ std::optional<FindData> Look(int folder, const char* text, std::u16string_view n
 
 struct ListedName {
     std::u16string name;
-    std::u16string sortKey;
     bool isPlainFolder = false;  // the listing itself says so; everything else is looked at when its turn comes
 };
 
@@ -114,8 +123,11 @@ class Listing final : public FolderSearch {
 };
 
 bool StandsBefore(const ListedName& a, const ListedName& b) {
-    const int order = a.sortKey.compare(b.sortKey);
-    return order != 0 ? order < 0 : a.name < b.name;
+    const UpperTable& upper = Upper();
+    const auto [inA, inB] = std::mismatch(a.name.begin(), a.name.end(), b.name.begin(), b.name.end(),
+                                          [&](char16_t x, char16_t y) { return upper[x] == upper[y]; });
+    if (inA != a.name.end() && inB != b.name.end()) return upper[*inA] < upper[*inB];
+    return a.name.size() != b.name.size() ? a.name.size() < b.name.size() : a.name < b.name;
 }
 
 class LinuxFileSystem final : public FileSystem {
@@ -216,7 +228,7 @@ class LinuxFileSystem final : public FileSystem {
         copy.Release();
         std::vector<ListedName> names;
         for (const std::u16string_view dots : {std::u16string_view(u"."), std::u16string_view(u"..")}) {
-            if (withDots && NameMatchesPattern(dots, pattern)) names.push_back({std::u16string(dots), {}, true});
+            if (withDots && NameMatchesPattern(dots, pattern)) names.push_back({std::u16string(dots), true});
         }
         const auto firstReal = static_cast<std::ptrdiff_t>(names.size());
         errno = 0;
@@ -225,9 +237,7 @@ class LinuxFileSystem final : public FileSystem {
             if (stored == "." || stored == "..") continue;
             std::u16string name = codec_.NameToInner(stored);
             if (NameMatchesPattern(name, pattern)) {
-                std::u16string key = name;
-                std::transform(key.begin(), key.end(), key.begin(), UpperUnit);
-                names.push_back({std::move(name), std::move(key), entry->d_type == DT_DIR});
+                names.push_back({std::move(name), entry->d_type == DT_DIR});
             }
             errno = 0;
         }
