@@ -93,7 +93,8 @@ class Sys {
     virtual Result<FileHandle> OpenFolder(std::string_view storedPath) = 0;
     // Opens the sub-folder `name`; kIsLink when a link stands there, kNotFolder for a file.
     virtual Result<FileHandle> OpenFolderAt(const FileHandle& folder, std::string_view name) = 0;
-    // The folder above; a volume's top gives itself.
+    // The folder above, across mounts; the topmost folder gives itself. Where the rights allow passing that folder but
+    // not listing it, the handle can be looked at, walked on from and used to look up names, but not listed or synced.
     virtual Result<FileHandle> OpenParent(const FileHandle& folder) = 0;
     // The absolute stored path under which the folder stands now, links resolved.
     virtual Result<std::string> PathOf(const FileHandle& folder) = 0;
@@ -111,13 +112,15 @@ class Sys {
 
     // --- names -----------------------------------------------------------------------------------------------------
     // Atomic; kExists when the target name is taken, kCrossVolume between volumes. On a volume that cannot promise
-    // "no replace" it fails with kUnsupported and nothing happened.
+    // "no replace" it fails with kUnsupported and nothing happened. kInvalid for a folder that would go into itself,
+    // here and in Exchange.
     virtual Status RenameNoReplace(const FileHandle& fromFolder, std::string_view from, const FileHandle& toFolder,
                                    std::string_view to) = 0;
     // Swaps two existing names atomically; kUnsupported where the volume cannot.
     virtual Status Exchange(const FileHandle& folderA, std::string_view a, const FileHandle& folderB,
                             std::string_view b) = 0;
-    // A second name for the same file; kExists when taken. Links are not followed.
+    // A second name for the same file; kExists when taken. Links are not followed. kAccessDenied for a folder, and on
+    // a volume that has no second names: the system does not tell the difference.
     virtual Status LinkAt(const FileHandle& fromFolder, std::string_view from, const FileHandle& toFolder,
                           std::string_view to) = 0;
     // Removes a name that is not a folder.
@@ -126,9 +129,10 @@ class Sys {
     virtual Status MakeLinkAt(std::string_view linkText, const FileHandle& folder, std::string_view name) = 0;
 
     // --- content ---------------------------------------------------------------------------------------------------
-    // A regular file for reading; never waits for a pipe's other end. kIsLink when a link stands there.
+    // A regular file for reading; never waits for a pipe's other end. kIsLink when a link stands there, kIsFolder for
+    // a folder, kInvalid for a pipe, socket or device.
     virtual Result<FileHandle> OpenForRead(const FileHandle& folder, std::string_view name) = 0;
-    // An existing regular file for reading and writing.
+    // An existing regular file for reading and writing. Fails as OpenForRead does.
     virtual Result<FileHandle> OpenForWrite(const FileHandle& folder, std::string_view name) = 0;
     // A new empty file; kExists when the name is taken. Mode as given, mask not applied.
     virtual Result<FileHandle> CreateFileAt(const FileHandle& folder, std::string_view name, uint32_t mode) = 0;
@@ -169,8 +173,8 @@ class Sys {
     virtual Status SyncVolume(const FileHandle& handle) = 0;
     // Starts writing back what is dirty, without waiting. Only a hint.
     virtual void StartWriteback(const FileHandle& file, uint64_t offset, uint64_t length) = 0;
-    // Takes the exclusive lock of an open file; kLocked when another holder, in this process or another, has it. Ends
-    // with the handle, and with the process however it ends.
+    // Takes the exclusive lock of a file that is open for writing; kLocked when another holder, in this process or
+    // another, has it. Ends with the handle, and with the process however it ends.
     virtual Status TryLock(const FileHandle& file) = 0;
 
     // --- the process -----------------------------------------------------------------------------------------------

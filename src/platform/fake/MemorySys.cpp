@@ -224,6 +224,7 @@ Result<FileHandle> MemorySys::OpenParent(const FileHandle& folder) {
     Result<NodeId> node = UseFolder(folder);
     if (!node.ok()) return node.status();
     if (!Allowed(*node, Access::kEnter)) return Failure(StatusCode::kAccessDenied);
+    if (disk_.node(*node).names == 0) return Failure(StatusCode::kNotFound);
     return Open(disk_.ParentOf(*node), false);
 }
 

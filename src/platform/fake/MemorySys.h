@@ -23,6 +23,7 @@
 #include <memory>
 #include <mutex>
 #include <optional>
+#include <ostream>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -45,6 +46,9 @@ struct TreeEntry {
     std::map<std::string, std::string> userAttributes;
     bool operator==(const TreeEntry&) const = default;
 };
+
+// One line for a test's report; long content by its length.
+std::ostream& operator<<(std::ostream& out, const TreeEntry& entry);
 
 class MemorySys final : public Sys {
   public:

@@ -23,6 +23,14 @@ std::pair<std::string_view, std::string_view> SplitPath(std::string_view path) {
 
 }  // namespace
 
+std::ostream& operator<<(std::ostream& out, const TreeEntry& entry) {
+    constexpr const char* kKinds[] = {"file", "folder", "link", "other"};
+    out << kKinds[static_cast<size_t>(entry.kind)] << " \"" << entry.path << "\" mode " << std::oct << entry.mode
+        << std::dec << " links " << entry.links << " inode " << entry.inode << " modified " << entry.modifiedNs;
+    if (entry.content.size() > 60) return out << " with " << entry.content.size() << " bytes";
+    return out << " \"" << entry.content << "\"";
+}
+
 // --- finding and adding --------------------------------------------------------------------------------------------
 
 NodeId MemorySys::FindNode(std::string_view path) const {

@@ -209,8 +209,11 @@ class LinuxSys final : public Sys {
         }
         char path[32];
         snprintf(path, sizeof path, "/proc/self/fd/%d", file.number());
-        if (linkat(AT_FDCWD, path, folder.number(), stored.c_str(), AT_SYMLINK_FOLLOW) != 0)
-            return StatusFromErrno(errno);
+        if (linkat(AT_FDCWD, path, folder.number(), stored.c_str(), AT_SYMLINK_FOLLOW) != 0) {
+            const int error = errno;
+            const bool noWay = error == ENOENT && access("/proc/self/fd", F_OK) != 0;  // nothing is mounted there
+            return noWay ? StatusFromErrno(error, StatusCode::kUnsupported) : StatusFromErrno(error);
+        }
         linkByDescriptor_.store(false, std::memory_order_relaxed);
         return {};
     }
