@@ -1,5 +1,7 @@
 #include "cli/BatchReport.h"
 
+#include <algorithm>
+
 namespace kinsort {
 namespace {
 
@@ -147,11 +149,24 @@ void PrintOrWriteReport(CliContext& context, const CommandLine& line, const Batc
     json.Finish();
 }
 
+namespace {
+
+// Items that were passed over although nobody chose that: a pipe that cannot be copied.
+uint64_t SkippedAgainstTheWish(const BatchResult& result) {
+    return static_cast<uint64_t>(
+        std::count_if(result.reports.begin(), result.reports.end(), [](const ItemReport& item) {
+            return item.outcome == ItemOutcome::kSkipped && item.reason != ItemReason::kConflictSkipped &&
+                   item.reason != ItemReason::kDuplicate;
+        }));
+}
+
+}  // namespace
+
 ExitCode ExitCodeOf(const BatchReport& report) {
     const BatchResult& result = report.result;
     if (result.done == 0) return ExitCode::kNothing;
-    const uint64_t left =
-        result.failed + result.notReached + report.unanswered + report.missing.size() + report.withoutCandidate.size();
+    const uint64_t left = SkippedAgainstTheWish(result) + result.failed + result.notReached + report.unanswered +
+                          report.missing.size() + report.withoutCandidate.size();
     return left == 0 && result.status.ok() && !result.cancelled ? ExitCode::kDone : ExitCode::kPartly;
 }
 

@@ -127,6 +127,12 @@ TEST(BatchReport, ExitCodes) {
     };
     EXPECT_EQ(codeOf([](BatchReport&) {}), 0);
     EXPECT_EQ(codeOf([](BatchReport& r) { r.result.skipped = 1; }), 0) << "skipping was chosen";
+    EXPECT_EQ(codeOf([](BatchReport& r) { r.result.reports = {Example().result.reports[1]}; }), 0);
+    EXPECT_EQ(codeOf([](BatchReport& r) {
+                  r.result.reports = {Example().result.reports[1]};
+                  r.result.reports[0].reason = ItemReason::kSpecialFile;
+              }),
+              1);
     EXPECT_EQ(codeOf([](BatchReport& r) { r.unanswered = 1; }), 1);
     EXPECT_EQ(codeOf([](BatchReport& r) { r.result.failed = 1; }), 1);
     EXPECT_EQ(codeOf([](BatchReport& r) { r.result.cancelled = true; }), 1);

@@ -34,6 +34,7 @@ std::optional<FileOperationServices> CliContext::EngineServices() {
 }
 
 void CliContext::WarnOfUnfinishedBatches(FileOperationServices& engine) {
+    if (!services.sys.OpenFolder(engine.journalFolder).ok()) return;  // nothing was ever sorted; leave no folder behind
     const Result<std::vector<BatchSummary>> batches = UndoHistory(engine).List();
     if (!batches.ok()) return;  // the verb itself will meet the same failure and say so
     for (const BatchSummary& batch : *batches) {

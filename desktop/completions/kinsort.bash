@@ -1,0 +1,73 @@
+# bash completion for kinsort
+_kinsort() {
+    local current=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD-1]} verb=${COMP_WORDS[1]}
+    COMPREPLY=()
+    [[ $current == = ]] && current=
+    [[ $before == = ]] && before=${COMP_WORDS[COMP_CWORD-2]}
+    if ((COMP_CWORD == 1)); then
+        mapfile -t COMPREPLY < <(compgen -W 'plan sort undo redo history recover help completion --help --version' -- "$current")
+        return
+    fi
+    compopt -o filenames 2>/dev/null
+    case $before in
+    --to | -t)
+        mapfile -t COMPREPLY < <(compgen -d -- "$current")
+        return ;;
+    --on-conflict)
+        mapfile -t COMPREPLY < <(compgen -W 'ask skip replace keep-both' -- "$current")
+        return ;;
+    --files-from | -f)
+        mapfile -t COMPREPLY < <(compgen -f -- "$current")
+        return ;;
+    --min-score)
+        return ;;
+    --threads | -j)
+        return ;;
+    --durability)
+        mapfile -t COMPREPLY < <(compgen -W 'journal content' -- "$current")
+        return ;;
+    esac
+    case $verb in
+    plan)
+        if [[ $current == -* ]]; then
+            mapfile -t COMPREPLY < <(compgen -W '--to --files-from --scores --min-score --threads --json --quiet --help' -- "$current")
+        else
+            mapfile -t COMPREPLY < <(compgen -f -- "$current")
+        fi ;;
+    sort)
+        if [[ $current == -* ]]; then
+            mapfile -t COMPREPLY < <(compgen -W '--to --copy --move --on-conflict --dry-run --files-from --scores --min-score --threads --durability --json --quiet --help' -- "$current")
+        else
+            mapfile -t COMPREPLY < <(compgen -f -- "$current")
+        fi ;;
+    undo)
+        if [[ $current == -* ]]; then
+            mapfile -t COMPREPLY < <(compgen -W '--json --quiet --help' -- "$current")
+        fi ;;
+    redo)
+        if [[ $current == -* ]]; then
+            mapfile -t COMPREPLY < <(compgen -W '--json --quiet --help' -- "$current")
+        fi ;;
+    history)
+        if [[ $current == -* ]]; then
+            mapfile -t COMPREPLY < <(compgen -W '--json --help' -- "$current")
+        fi ;;
+    recover)
+        if [[ $current == -* ]]; then
+            mapfile -t COMPREPLY < <(compgen -W '--finish --undo --leave --json --quiet --help' -- "$current")
+        fi ;;
+    help)
+        if [[ $current == -* ]]; then
+            mapfile -t COMPREPLY < <(compgen -W '--help' -- "$current")
+        else
+            mapfile -t COMPREPLY < <(compgen -W 'plan sort undo redo history recover help completion' -- "$current")
+        fi ;;
+    completion)
+        if [[ $current == -* ]]; then
+            mapfile -t COMPREPLY < <(compgen -W '--help' -- "$current")
+        else
+            mapfile -t COMPREPLY < <(compgen -W 'bash zsh fish' -- "$current")
+        fi ;;
+    esac
+}
+complete -F _kinsort kinsort
