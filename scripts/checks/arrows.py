@@ -36,7 +36,8 @@ def judge(name, included, top):
     if backend(included) and backend(included) != backend(home):
         if here == "main" or tree.is_test(name):
             return None
-        return f'"{included}" is a backend, named in main/ and tests only; take its interface (or name a fixture of tests X_test.h)'
+        return (f'"{included}" is a backend, named in main/ and tests only; take its interface '
+                "(or name a fixture of tests X_test.h)")
     if here != there and FLOORS[there] >= FLOORS[here]:
         word = "stands beside" if FLOORS[there] == FLOORS[here] else "lies above"
         return f'"{included}": {there}/ {word} {here}/; arrows go down only, move the shared piece down'

@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
-"""Every source belongs to a target, and every test to something that ctest runs. Follows the CMake files from the top, so a
-folder or an included file that nobody adds counts as missing."""
+"""Every source belongs to a target, and every test to something that ctest runs. Follows the CMake files
+from the top, so a folder or an included file that nobody adds counts as missing."""
 
 import posixpath
 import re

@@ -25,7 +25,8 @@ SOUND = {
     "src/text/Trim_test.cpp": '#include <gtest/gtest.h>\n\n#include "platform/linux/Files.h"\n',
     "src/platform/Files.h": "#pragma once\n",
     "src/platform/linux/CMakeLists.txt": "kinsort_library(linux\n  SOURCES Files.cpp)  # one\n",
-    "src/platform/linux/Files.h": '#pragma once\n#ifdef __linux__\n#include <fcntl.h>\n#endif\n#include "platform/Files.h"\n',
+    "src/platform/linux/Files.h":
+        '#pragma once\n#ifdef __linux__\n#include <fcntl.h>\n#endif\n#include "platform/Files.h"\n',
     "src/platform/linux/Files.cpp": '#include "platform/linux/Files.h"\n',
     "src/classify/Plan.h": '#pragma once\n\n#include "platform/Files.h"\n',
     "src/fileop/Batch.h": "#pragma once\n\n#include <xxhash.h>\n",

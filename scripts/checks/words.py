@@ -6,7 +6,8 @@ import re
 import tree
 
 RULES = (
-    (re.compile(r"(?i)\b(issue|ticket|session)s?\s*#?\d+\b"), "a ticket means nothing to a reader; say the reason itself"),
+    (re.compile(r"(?i)\b(issue|ticket|session)s?\s*#?\d+\b"),
+     "a ticket means nothing to a reader; say the reason itself"),
     (re.compile(r"(?i)\bparts? \d+\.\d+\b"), "a numbered chapter of something else; say the rule itself"),
     (re.compile(r"\b(TO" r"DO|FIX" r"ME|X" r"XX)\b"), "unfinished work; do it or say plainly what is not supported"),
     (re.compile(r"^(<{7}|>{7}) "), "a merge that was not finished"),
