@@ -16,7 +16,6 @@ packages=(
   "nlohmann-json3-dev   --json output"
   "libgtest-dev         tests"
   "libgmock-dev         tests"
-  "libbenchmark-dev     benchmarks"
   "clang                second compiler, fuzz targets"
   "libclang-rt-14-dev   sanitizers and the fuzzer of the second compiler"
   "clang-format         scripts/check.sh"
