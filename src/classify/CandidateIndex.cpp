@@ -12,7 +12,7 @@ namespace kinsort {
 namespace {
 
 // Names that a thread takes at a time. Equal names are looked for among so many: a listing has them side by side.
-constexpr size_t kBlockSize = 4096;
+constexpr size_t kBlockSize = 2048;
 
 // Calls deliver(i, answer) for each name of the block.
 template <typename Deliver>

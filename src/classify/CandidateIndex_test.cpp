@@ -96,17 +96,16 @@ void FillRandomNames(std::mt19937& random, const Shape& shape, Names& files, Nam
 
 TEST(CandidateIndex, EqualsTheReferenceOnRandomNames) {
     static constexpr char16_t kLone[] = u"ab\xD800\xDC00\xDBFF\xFFFF\xFFFE";
+    static constexpr char16_t kMixed[] =
+        u"abcdefghijklmnopqrstuvwxyzぁあぃいぅうぇえぉおかがきぎくぐけげこごさざしじすず";
     const Shape shapes[] = {
-        {u"ab", 60, 700, 12, 6, 20},
-        {u"abc", 60, 1100, 40, 12, 20},
-        {u"abcdefgh", 60, 3000, 20, 8, 50},
-        {u"abcdefghijklmnopqrstuvwxyz.-", 100, 2500, 20, 12, 70},
-        {u"abcdefghijklmnopqrstuvwxyzぁあぃいぅうぇえぉおかがきぎくぐけげこごさざしじすず", 100, 5000, 16, 8, 70},
-        {u"aヷ1 (", 60, 600, 12, 8, 30},
-        {kLone, 60, 900, 10, 5, 30},
-        {u"abcd", 12, 1500, 900, 40, 30},  // more pieces than the planes can count
-        {u"abcdef", 300, 3, 6, 4, 10},
-        {u"ab", 40, 513, 300, 3, 0},
+        {u"ab", 60, 700, 12, 6, 20},        {u"abc", 60, 1100, 40, 12, 20},
+        {u"abcdefgh", 60, 3000, 20, 8, 50}, {u"abcdefghijklmnopqrstuvwxyz.-", 100, 2500, 20, 12, 70},
+        {kMixed, 100, 5000, 16, 8, 70},   // lists and rows
+        {kMixed, 20, 6000, 20, 40, 70},   // so many rows that they are added up block by block
+        {u"aヷ1 (", 60, 600, 12, 8, 30},  // units that vanish or become two
+        {kLone, 60, 900, 10, 5, 30},        {u"abcd", 12, 1500, 900, 40, 30},  // more pieces than the planes can count
+        {u"abcdef", 300, 3, 6, 4, 10},      {u"ab", 40, 513, 300, 3, 0},
     };
     const unsigned firstSeed = 20240101;
     for (const Shape& shape : shapes) {

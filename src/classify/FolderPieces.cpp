@@ -1,6 +1,7 @@
 #include "classify/FolderPieces.h"
 
 #include <algorithm>
+#include <functional>
 
 namespace kinsort {
 namespace {
@@ -9,6 +10,20 @@ namespace {
 // row a step per 512 folders, but a search often ends before it has to add rows at all; this is where the two met when
 // measured.
 constexpr size_t kRowShare = 512;
+
+// What the rows may take when many folders have long names. A row that is smaller than its list is made all the same.
+constexpr size_t kRowBudget = 32 * 1024 * 1024;
+
+// The smallest number of folders with which a piece gets a row.
+size_t RowThreshold(std::vector<uint32_t> folderCounts, size_t folders, size_t stripesPerRow) {
+    const size_t byShare = (folders + kRowShare - 1) / kRowShare;
+    const size_t affordable = kRowBudget / (stripesPerRow * sizeof(Stripe));
+    if (folderCounts.size() <= affordable) return byShare;
+    const auto last = folderCounts.begin() + static_cast<std::ptrdiff_t>(affordable);
+    std::nth_element(folderCounts.begin(), last, folderCounts.end(), std::greater<>());
+    const size_t sameSize = stripesPerRow * sizeof(Stripe) / sizeof(uint32_t);
+    return std::max(byShare, std::min<size_t>(*last + 1, sameSize));
+}
 
 // The distinct pieces of every folder as provisional numbers, folder after folder.
 struct NumberedPieces {
@@ -68,12 +83,13 @@ FolderPieces::FolderPieces(const NameNormalizer& normalizer, std::span<const std
 
 // Decides between list and row for each piece and makes room for it; the lists begin empty.
 std::vector<uint32_t> FolderPieces::PlacePieces(const std::vector<uint32_t>& folderCounts) {
+    const size_t threshold = RowThreshold(folderCounts, folderCount_, stripesPerRow_);
     std::vector<uint32_t> places;
     places.reserve(folderCounts.size());
     uint32_t rowCount = 1;
     size_t listSpace = 0;
     for (const uint32_t count : folderCounts) {
-        if (count * kRowShare >= folderCount_) {
+        if (count >= threshold) {
             places.push_back(kRowFlag | rowCount++);
         } else {
             places.push_back(static_cast<uint32_t>(listSpace));

@@ -1,6 +1,7 @@
 #include "classify/PlanPresenter.h"
 
 #include <algorithm>
+#include <string>
 
 #include "text/Utf8.h"
 
@@ -41,7 +42,10 @@ void PlanPresenter::OnDeleteNoCandidate() {
 }
 
 void PlanPresenter::UpdateCountLabel() {
-    view_.SetCountLabel(u"(" + FromUtf8(std::to_string(plan_.GetCount())) + u")");
+    std::string text = "(";
+    text += std::to_string(plan_.GetCount());
+    text += ')';
+    view_.SetCountLabel(FromUtf8(text));
 }
 
 void PlanPresenter::ShowRows() {
