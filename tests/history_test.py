@@ -43,10 +43,12 @@ class History(Workshop):
         self.assertEqual(os.listdir(self.source), ["alpha 1"])
         self.assertEqual([row["state"] for row in self.run_json("history")], ["done", "undone"])
         again = self.run_kinsort("undo", str(first), code=3)
-        self.assertNotEqual(again.messages, "")
+        self.assertEqual(again.messages, f"kinsort: batch {first}: this cannot be done with it now; 'kinsort history' "
+                                         "shows its state\n")
         self.run_kinsort("redo")
         self.assertEqual(os.listdir(self.source), [])
-        self.assertIn("does not exist", self.run_kinsort("undo", "987654321", code=3).messages)
+        self.assertEqual(self.run_kinsort("undo", "987654321", code=3).messages,
+                         "kinsort: batch 987654321: there is no such batch; 'kinsort history' lists them\n")
 
     def test_the_journal_is_private(self):
         self.make_folders("alpha")

@@ -18,6 +18,13 @@ std::string FailureLine(const CliContext& context, const BatchReport& report, co
     return line;
 }
 
+std::string WholeFailureText(const CliContext& context, const BatchReport& report) {
+    const Status& status = report.result.status;
+    const std::string where = status.path().empty() ? "" : context.ShownPath(status.path()) + ": ";
+    if (!HasSubject(report.action)) return where + StatusText(status);
+    return "batch " + std::to_string(report.subject) + ": " + where + BatchStatusText(status);
+}
+
 void PrintAdvice(CliContext& context, const BatchReport& report) {
     const BatchResult& result = report.result;
     if (result.done == 0 || context.console.isQuiet()) return;
@@ -78,10 +85,7 @@ void PrintReport(CliContext& context, const BatchReport& report) {
     }
     for (const std::string& warning : result.warnings)
         context.console.Say("note: " + ShownLines(warning));
-    if (!result.status.ok()) {
-        const std::string where = result.status.path().empty() ? "" : context.ShownPath(result.status.path()) + ": ";
-        context.console.Say(where + StatusText(result.status));
-    }
+    if (!result.status.ok()) context.console.Say(WholeFailureText(context, report));
     if (result.cancelled) context.console.Say("stopped; every item is either wholly done or untouched");
     std::string summary = DoneText(report.action, result.done);
     const auto add = [&summary](uint64_t count, std::string_view what) {
@@ -127,7 +131,7 @@ void WriteReport(JsonWriter& json, const CliContext& context, const BatchReport&
     if (result.status.ok()) {
         json.Null();
     } else {
-        json.String(StatusText(result.status));
+        json.String(WholeFailureText(context, report));
     }
     json.Key("warnings");
     json.BeginArray();

@@ -118,6 +118,25 @@ TEST(BatchReport, TellsPrograms) {
     EXPECT_EQ(parsed["items"][3]["reason"], "not-found");
 }
 
+TEST(BatchReport, NamesTheBatchThatCouldNotBeTouched) {
+    const std::pair<StatusCode, std::string> cases[] = {
+        {StatusCode::kNotFound, "there is no such batch; 'kinsort history' lists them"},
+        {StatusCode::kInvalid, "this cannot be done with it now; 'kinsort history' shows its state"},
+        {StatusCode::kLocked, "another process is working on it; wait until that is done"},
+    };
+    for (const auto& [code, text] : cases) {
+        CliFixture fixture;
+        CliContext context(fixture.services);
+        BatchReport report;
+        report.action = BatchAction::kUndo;
+        report.subject = 12;
+        report.result.status = Status::Failure(code);
+        PrintReport(context, report);
+        EXPECT_EQ(fixture.terminal.messages, "kinsort: batch 12: " + text + "\n");
+        EXPECT_EQ(ExitCodeOf(report), ExitCode::kNothing);
+    }
+}
+
 TEST(BatchReport, ExitCodes) {
     const auto codeOf = [](auto change) {
         BatchReport report;

@@ -1,5 +1,6 @@
 #include "cli/JsonWriter.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdio>
 #include <string>
@@ -51,6 +52,11 @@ void JsonWriter::Key(std::string_view name) {
 
 void JsonWriter::String(std::string_view utf8) {
     BeforeValue();
+    const auto isPlain = [](char c) { return c >= 0x20 && c < 0x7F && c != '"' && c != '\\'; };
+    if (std::all_of(utf8.begin(), utf8.end(), isPlain)) {
+        console_.Print("\"" + std::string(utf8) + "\"");
+        return;
+    }
     const std::string text = ToUtf8(FromUtf8(utf8));
     std::string quoted = "\"";
     for (const char c : text) {

@@ -5,6 +5,7 @@
 #include "cli/ShownText.h"
 #include "cli/SortingPlan.h"
 #include "cli/TableLayout.h"
+#include "cli/Texts.h"
 
 namespace kinsort {
 namespace {
@@ -43,7 +44,7 @@ void PrintJson(CliContext& context, const SortingPlan& plan, bool withScores) {
     const NativeFolders folders(context, plan);
     JsonWriter json(context.console);
     json.BeginArray();
-    for (size_t i = 0; i < plan.rows.GetCount(); ++i) {
+    for (size_t i = 0; i < plan.rows.GetCount() && !context.cancel.isCancelled(); ++i) {
         json.BeginObject();
         json.Path("item", context.NativePath(plan.rows[i].strPath));
         WriteMatch(json, folders, plan.scores[i].best, "folder", "score");
@@ -69,9 +70,7 @@ TableRow CellsOf(const CliContext& context, const SortingPlan& plan, const Nativ
     return cells;
 }
 
-}  // namespace
-
-void PrintPlan(CliContext& context, const CommandLine& line, const SortingPlan& plan) {
+void PrintRows(CliContext& context, const CommandLine& line, const SortingPlan& plan) {
     const bool withScores = line.Has(OptionId::kScores);
     if (line.Has(OptionId::kJson)) {
         PrintJson(context, plan, withScores);
@@ -80,7 +79,7 @@ void PrintPlan(CliContext& context, const CommandLine& line, const SortingPlan& 
     const NativeFolders folders(context, plan);
     const size_t count = plan.rows.GetCount();
     if (!context.services.terminal.IsTerminal(Stream::kOutput)) {
-        for (size_t i = 0; i < count; ++i) {
+        for (size_t i = 0; i < count && !context.cancel.isCancelled(); ++i) {
             TableRow cells = CellsOf(context, plan, folders, i, withScores);
             cells.item = context.ShownPath(plan.rows[i].strPath);
             context.console.Print(FormatPlainRow(cells) + "\n");
@@ -90,9 +89,23 @@ void PrintPlan(CliContext& context, const CommandLine& line, const SortingPlan& 
     TableLayout layout(context.services.terminal, context.console.IsColoured(Stream::kOutput));
     for (size_t i = 0; i < count; ++i)
         layout.Measure(CellsOf(context, plan, folders, i, withScores));
-    for (size_t i = 0; i < count; ++i) {
+    for (size_t i = 0; i < count && !context.cancel.isCancelled(); ++i) {
         context.console.Print(layout.Format(CellsOf(context, plan, folders, i, withScores)) + "\n");
     }
+}
+
+}  // namespace
+
+ExitCode PrintPlan(CliContext& context, const CommandLine& line, const SortingPlan& plan) {
+    PrintRows(context, line, plan);
+    if (context.cancel.isCancelled()) {
+        context.console.Say("stopped; the list is not complete");
+        return ExitCode::kPartly;
+    }
+    if (plan.withoutCandidate > 0) {
+        context.console.Note(Counted(plan.withoutCandidate, "item") + " without a similar folder");
+    }
+    return plan.withoutCandidate + plan.missing.size() == 0 ? ExitCode::kDone : ExitCode::kPartly;
 }
 
 }  // namespace kinsort

@@ -29,7 +29,8 @@ std::optional<ExitCode> MakeSortingPlan(CliContext& context, const CommandLine& 
 // The target folder of a row, inner form; empty when the row has no candidate.
 std::u16string TargetFolderOf(const SortingPlan& plan, size_t row);
 
-// What "plan" prints, also for sort --dry-run: JSON, a table as wide as the terminal, or lines.
-void PrintPlan(CliContext& context, const CommandLine& line, const SortingPlan& plan);
+// What "plan" prints, also for sort --dry-run: JSON, a table as wide as the terminal, or lines. Returns the exit code;
+// an interrupt ends it early, which is said.
+ExitCode PrintPlan(CliContext& context, const CommandLine& line, const SortingPlan& plan);
 
 }  // namespace kinsort

@@ -120,6 +120,15 @@ std::string StatusText(const Status& status) {
     return "it failed for an unknown reason (" + std::to_string(status.systemCode()) + ")";
 }
 
+std::string BatchStatusText(const Status& status) {
+    if (!status.path().empty()) return StatusText(status);
+    if (status.code() == StatusCode::kNotFound) return "there is no such batch; 'kinsort history' lists them";
+    if (status.code() == StatusCode::kInvalid) {
+        return "this cannot be done with it now; 'kinsort history' shows its state";
+    }
+    return StatusText(status);
+}
+
 std::string ReasonText(const ItemReport& report) {
     if (report.reason == ItemReason::kSystem) return StatusText(report.status);
     return std::string(kReasonRows[static_cast<size_t>(report.reason)].text);

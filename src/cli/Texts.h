@@ -15,6 +15,8 @@ enum class BatchAction : uint8_t { kCopy, kMove, kUndo, kRedo, kFinish };
 
 // "no space left on the volume; free some and try again"; the system's own text where ours has nothing to add.
 std::string StatusText(const Status& status);
+// Why a batch could not be undone, redone or recovered as a whole, as StatusText.
+std::string BatchStatusText(const Status& status);
 // Why an item was not done, as StatusText.
 std::string ReasonText(const ItemReport& report);
 

@@ -1,6 +1,5 @@
 #include "cli/CommandLine.h"
 #include "cli/SortingPlan.h"
-#include "cli/Texts.h"
 
 namespace kinsort {
 
@@ -9,11 +8,7 @@ ExitCode RunPlan(CliContext& context, const CommandLine& line) {
         context.WarnOfUnfinishedBatches(*engine);
     SortingPlan plan;
     if (const std::optional<ExitCode> code = MakeSortingPlan(context, line, plan)) return *code;
-    PrintPlan(context, line, plan);
-    if (plan.withoutCandidate > 0) {
-        context.console.Note(Counted(plan.withoutCandidate, "item") + " without a similar folder");
-    }
-    return plan.withoutCandidate + plan.missing.size() == 0 ? ExitCode::kDone : ExitCode::kPartly;
+    return PrintPlan(context, line, plan);
 }
 
 }  // namespace kinsort

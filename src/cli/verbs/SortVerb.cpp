@@ -29,9 +29,9 @@ ExitCode RunSort(CliContext& context, const CommandLine& line) {
     SortingPlan plan;
     if (const std::optional<ExitCode> code = MakeSortingPlan(context, line, plan)) return *code;
     if (line.Has(OptionId::kDryRun)) {
-        PrintPlan(context, line, plan);
+        const ExitCode code = PrintPlan(context, line, plan);
         context.console.Note("nothing was changed");
-        return plan.withoutCandidate + plan.missing.size() == 0 ? ExitCode::kDone : ExitCode::kPartly;
+        return code;
     }
 
     BatchReport report;

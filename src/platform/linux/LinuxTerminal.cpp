@@ -107,7 +107,8 @@ class LinuxTerminal : public Terminal {
 
     Result<std::string> ReadAll(std::string_view nativePath) override {
         if (nativePath == "-") return ReadToEnd(STDIN_FILENO);
-        const int file = open(std::string(nativePath).c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY);
+        // Non-blocking, so that a pipe without a writer is waited for where an interrupt is seen.
+        const int file = open(std::string(nativePath).c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK);
         if (file < 0) return StatusFromErrno(errno);
         Result<std::string> content = ReadToEnd(file);
         close(file);

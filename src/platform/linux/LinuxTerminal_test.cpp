@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 #include <signal.h>
+#include <sys/stat.h>
 
 namespace kinsort {
 namespace {
@@ -49,6 +50,10 @@ TEST(LinuxTerminal, AnInterruptCallsTheActionEveryTimeAndEndsReading) {
     EXPECT_EQ(count, 3);
     EXPECT_EQ(terminal->ReadLine().code(), StatusCode::kInterrupted);
     EXPECT_EQ(terminal->ReadAll("-").code(), StatusCode::kInterrupted);
+    const std::string pipe = testing::TempDir() + "kinsort_terminal_pipe";
+    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+    EXPECT_EQ(terminal->ReadAll(pipe).code(), StatusCode::kInterrupted) << "nobody writes to it";
+    std::remove(pipe.c_str());
 }
 
 }  // namespace
