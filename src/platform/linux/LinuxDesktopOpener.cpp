@@ -1,9 +1,11 @@
 #include "platform/linux/LinuxDesktopOpener.h"
 
 #include <utility>
+#include <vector>
 
 #include <errno.h>
 #include <fcntl.h>
+#include <unistd.h>
 
 #include "platform/linux/LinuxError.h"
 #include "platform/linux/PathWalk.h"
@@ -94,6 +96,7 @@ class LinuxDesktopOpener final : public DesktopOpener {
         start.arguments = request.arguments;
         if (request.verb == OpenVerb::kRunAs) {
             start.program = programs_.elevator;
+            start.tie = ProcessTie::kOurs;  // without a dialog for the password it asks on our terminal
             start.arguments.insert(start.arguments.begin(), {u"--keep-cwd", program});
         }
         return processes_.Start(start).status();

@@ -88,6 +88,7 @@ TEST_F(LinuxDesktopOpenerTest, AnAdministratorsRightsAreAskedForByTheElevator) {
     request.verb = OpenVerb::kRunAs;
     EXPECT_TRUE(opener_->Open(request).ok());
     EXPECT_EQ(processes_.started[0].program, u"pkexec");
+    EXPECT_EQ(processes_.started[0].tie, ProcessTie::kOurs);
     EXPECT_THAT(processes_.started[0].arguments, ElementsAre(u"--keep-cwd", At("tool.sh"), u"argument"));
     request.file = At("photo.jpg");
     EXPECT_EQ(opener_->Open(request).code(), StatusCode::kUnsupported);

@@ -1,8 +1,10 @@
 #include "platform/linux/LinuxProcesses.h"
 
+#include <algorithm>
 #include <chrono>
 #include <optional>
 #include <utility>
+#include <vector>
 
 #include <errno.h>
 #include <fcntl.h>
@@ -11,6 +13,7 @@
 #include <spawn.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
+#include <unistd.h>
 
 #include "platform/linux/ChildReaper.h"
 #include "platform/linux/LinuxError.h"
