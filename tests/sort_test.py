@@ -27,7 +27,8 @@ class Sort(Workshop):
     def test_move_undo_redo_bring_everything_where_it_belongs(self):
         self.make_selection()
         self.make_file(self.target, "photos/other.jpg")
-        before = snapshot(self.top + "/source"), snapshot(self.target)
+        before = snapshot(self.source), snapshot(self.target)
+        times = snapshot(self.top, with_folder_times=True)
         done = self.sort("--move", *self.items())
         self.assertRegex(done.output, r"^Moved 8 items\.\nTake it back with: kinsort undo \d+\n$")
         self.assertEqual(done.messages, "")
@@ -42,6 +43,8 @@ class Sort(Workshop):
         undone = self.run_kinsort("undo")
         self.assertRegex(undone.output, r"^Took back 8 items\.\nDo it again with: kinsort redo \d+\n$")
         self.assertEqual((snapshot(self.source), snapshot(self.target)), before)
+        now = snapshot(self.top, with_folder_times=True)
+        self.assertEqual({name: kept for name, kept in now.items() if not name.startswith(b"state")}, times)
         self.assertRegex(self.run_kinsort("redo").output, r"^Did again 8 items\.\n")
         self.assertEqual((snapshot(self.source), snapshot(self.target)), ({}, after))
         self.run_kinsort("undo")

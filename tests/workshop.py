@@ -13,8 +13,8 @@ SOURCE = os.environ.get("KINSORT_SOURCE", os.path.dirname(os.path.dirname(os.pat
 HOST_VARIABLE = "VEL_ExCommand"
 
 
-def describe(path):
-    """Everything about one file that undo has to bring back."""
+def describe(path, with_folder_times):
+    """Everything about one file or folder that undo has to bring back."""
     info = os.lstat(path)
     kind = stat.S_IFMT(info.st_mode)
     content = None
@@ -23,17 +23,18 @@ def describe(path):
             content = file.read()
     elif stat.S_ISLNK(kind):
         content = os.readlink(path)
-    return kind, stat.S_IMODE(info.st_mode), None if stat.S_ISDIR(kind) else info.st_mtime_ns, content
+    has_time = with_folder_times or not stat.S_ISDIR(kind)
+    return kind, stat.S_IMODE(info.st_mode), info.st_mtime_ns if has_time else None, content
 
 
-def snapshot(top):
-    """{path below top: description}, names as bytes."""
+def snapshot(top, with_folder_times=False):
+    """{path below top: description}, names as bytes. Times of folders change when something enters or leaves them."""
     top = os.fsencode(top)
     found = {}
     for folder, folders, files in os.walk(top):
         for name in folders + files:
             path = os.path.join(folder, name)
-            found[os.path.relpath(path, top)] = describe(path)
+            found[os.path.relpath(path, top)] = describe(path, with_folder_times)
     return found
 
 
