@@ -32,10 +32,13 @@ void PutPlace(ByteWriter& writer, const Place& place) {
     writer.PutText(place.name);
 }
 
-// A stored name is one component: a journal that says otherwise is not believed.
+bool HoldsNul(std::string_view text) {
+    return text.find('\0') != std::string_view::npos;
+}
+
+// A stored name is one component: a journal that says otherwise is not believed. Empty where there is none.
 bool IsName(std::string_view name) {
-    return name != "." && name != ".." && name.find('/') == std::string_view::npos &&
-           name.find('\0') == std::string_view::npos;
+    return name != "." && name != ".." && name.find('/') == std::string_view::npos && !HoldsNul(name);
 }
 
 Place TakePlace(ByteReader& reader, const Batch& batch) {
@@ -46,8 +49,14 @@ Place TakePlace(ByteReader& reader, const Batch& batch) {
     return place;
 }
 
+bool IsSomewhere(const Place& place) {
+    return place.folder != kNoIndex && !place.name.empty();
+}
+
 bool TakeBool(ByteReader& reader) {
-    return reader.Take<uint8_t>() != 0;
+    const auto value = reader.Take<uint8_t>();
+    if (value > 1) reader.Fail();
+    return value == 1;
 }
 
 void ApplyBegin(ByteReader& reader, Batch& batch) {
@@ -60,7 +69,7 @@ void ApplyBegin(ByteReader& reader, Batch& batch) {
     header.startedNs = reader.Take<int64_t>();
     header.user = reader.Take<uint32_t>();
     header.bootId = reader.TakeText();
-    if (header.kind < BatchKind::kSort || header.kind > BatchKind::kRedo) reader.Fail();
+    if (header.kind < BatchKind::kSort || header.kind > BatchKind::kRedo || header.id == 0) reader.Fail();
     if (header.durability > Durability::kContent) reader.Fail();
 }
 
@@ -74,10 +83,9 @@ void ApplyFolder(ByteReader& reader, Batch& batch) {
     folder.createdNs = reader.Take<int64_t>();
     folder.modifiedNs = reader.Take<int64_t>();
     folder.isKeep = TakeBool(reader);
-    const bool isTop = folder.parent == kNoIndex;
-    if (isTop ? !folder.name.starts_with('/') : (folder.parent >= batch.folders.size() || !IsName(folder.name))) {
-        reader.Fail();
-    }
+    const bool isPath = folder.name.starts_with('/') && !HoldsNul(folder.name);
+    const bool isChild = folder.parent < batch.folders.size() && !folder.name.empty() && IsName(folder.name);
+    if (folder.parent == kNoIndex ? !isPath : !isChild) reader.Fail();
     if (reader.ok()) batch.folders.push_back(std::move(folder));
 }
 
@@ -106,12 +114,13 @@ void ApplyStep(ByteReader& reader, Batch& batch) {
     step.targetId = TakeIdentity(reader);
     step.invertsBatch = reader.Take<BatchId>();
     step.invertsStep = reader.Take<uint32_t>();
+    const bool isKnown = step.kind >= StepKind::kMove && step.kind <= StepKind::kRemoveCopy && flags <= 3;
+    const bool isInPlan = index <= batch.steps.size() && step.item < batch.items.size();
+    const bool hasPrevious = index > 0 || !step.dependsOnPrevious;
+    const bool hasSource = IsFolderStep(step.kind) || IsSomewhere(step.source);
     const bool keptIsFolder = step.keptFolder < batch.folders.size();
-    if (step.kind < StepKind::kMove || step.kind > StepKind::kRemoveCopy || index > batch.steps.size() ||
-        step.item >= batch.items.size() || step.target.folder == kNoIndex || step.target.name.empty() ||
-        (IsReplace(step.kind) && !keptIsFolder) || (step.keptFolder != kNoIndex && !keptIsFolder)) {
-        reader.Fail();
-    }
+    const bool hasKept = keptIsFolder || (step.keptFolder == kNoIndex && !IsReplace(step.kind));
+    if (!isKnown || !isInPlan || !hasPrevious || !hasSource || !IsSomewhere(step.target) || !hasKept) reader.Fail();
     if (!reader.ok()) return;
     if (index == batch.steps.size()) {
         batch.steps.push_back(std::move(step));
@@ -253,6 +262,8 @@ std::string EncodeEnd(const EndRecord& end) {
 }
 
 bool ApplyRecord(const Record& record, Batch& batch) {
+    const bool isBegun = batch.header.id != 0;
+    if (isBegun == (record.type == RecordType::kBegin)) return false;
     ByteReader reader(record.payload);
     switch (record.type) {
         case RecordType::kBegin:

@@ -24,7 +24,8 @@ std::string EncodeFailed(const std::vector<uint32_t>& indices, const std::vector
 std::string EncodeFolderTimes(const std::vector<FolderRecord>& folders);
 std::string EncodeEnd(const EndRecord& end);
 
-// Applies one record to `batch`; false when it makes no sense there (an index out of range, a cut payload).
+// Applies one record to `batch`, which kBegin must have begun; false when it makes no sense there (an index out of
+// range, a cut payload). What was applied before stays.
 bool ApplyRecord(const Record& record, Batch& batch);
 
 }  // namespace kinsort

@@ -116,7 +116,11 @@ Result<FileHandle> JournalStore::Lock(BatchId id) {
 }
 
 Result<Journal> JournalStore::Continue(FileHandle locked, const LoadedBatch& loaded) {
-    if (Status cut = sys_.SetSize(locked, loaded.validLength); !cut.ok()) return cut;
+    if (loaded.verdict == ScanVerdict::kTorn) {
+        if (Status cut = sys_.SetSize(locked, loaded.validLength); !cut.ok()) return cut;
+        // Otherwise a power cut could bring a good frame back that stands just where the new ones end.
+        if (Status synced = sys_.Sync(locked); !synced.ok()) return synced;
+    }
     return Journal(sys_, std::move(locked), loaded.validLength, loaded.recordCount);
 }
 

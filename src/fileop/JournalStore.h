@@ -41,7 +41,7 @@ class JournalStore {
     Result<LoadedBatch> Load(BatchId id);
     // Opens an existing journal and takes its lock: kLocked while some process works on that batch.
     Result<FileHandle> Lock(BatchId id);
-    // Makes a locked journal ready for more records: what a crash tore off is cut away.
+    // Makes a locked journal ready for more records: what a crash tore off is cut away for good.
     Result<Journal> Continue(FileHandle locked, const LoadedBatch& loaded);
     // Makes the names of new journals durable.
     Status SyncNames();
