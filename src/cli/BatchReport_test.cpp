@@ -92,7 +92,7 @@ TEST(BatchReport, TellsPrograms) {
     CliFixture fixture;
     CliContext context(fixture.services);
     BatchReport report = Example();
-    report.missing = {{"/s/gone", Status::Failure(StatusCode::kNotFound)}};
+    report.missing = {{"gone", "/s/gone", Status::Failure(StatusCode::kNotFound)}};
     JsonWriter writer(context.console);
     WriteReport(writer, context, report);
     writer.Finish();

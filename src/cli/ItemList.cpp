@@ -108,7 +108,7 @@ ItemList CollectItems(CliContext& context, const CommandLine& line) {
         if (status.ok()) {
             list.paths.push_back(std::move(*path));
         } else {
-            list.missing.push_back({shown, status});
+            list.missing.push_back({shown, path.ok() ? context.NativePath(*path) : shown, status});
         }
     };
     if (!line.operands.empty() || line.Has(OptionId::kFilesFrom)) {

@@ -20,7 +20,8 @@ std::vector<std::string> SplitItemList(std::string_view content);
 std::string NativeOfTyped(std::string_view typed, std::string_view home);
 
 struct MissingItem {
-    std::string nativePath;
+    std::string typed;       // as the user or the host wrote it
+    std::string nativePath;  // absolute where it could be resolved
     Status why;
 };
 

@@ -1,5 +1,6 @@
 // The manual page, from the same tables as the help.
 #include "cli/HelpTexts.h"
+#include "cli/Texts.h"
 
 namespace kinsort {
 namespace {
@@ -25,7 +26,7 @@ constexpr Field kOutcomeFields[] = {
     {"warnings", "What could not be kept, said once each (array of strings)."},
     {"items",
      "One object for each item that was not plainly done: item, target (string or null), outcome (done, skipped, "
-     "failed, not-reached, no-candidate), reason (a keyword), message (a sentence for people)."},
+     "failed, not-reached, no-candidate), reason (one of the keywords below), message (a sentence for people)."},
 };
 
 constexpr Field kHistoryFields[] = {
@@ -80,6 +81,20 @@ std::string Fields(const Field (&fields)[kCount]) {
     return text;
 }
 
+// Every word that "reason" can hold, from the table of texts.
+std::string ReasonKeywords() {
+    std::string words = "no-candidate";
+    ItemReport report;
+    for (int i = static_cast<int>(ItemReason::kSourceGone); i <= static_cast<int>(ItemReason::kCancelled); ++i) {
+        report.reason = static_cast<ItemReason>(i);
+        words += ", " + std::string(ReasonKeyword(report));
+    }
+    for (int i = static_cast<int>(StatusCode::kNotFound); i <= static_cast<int>(StatusCode::kOther); ++i) {
+        words += ", " + std::string(StatusKeyword(static_cast<StatusCode>(i)));
+    }
+    return words;
+}
+
 std::string CommandSection() {
     std::string page = Section("COMMANDS");
     for (const VerbSpec& verb : Verbs()) {
@@ -100,13 +115,14 @@ std::string JsonSection() {
         "valid UTF\\-8 is shown with U+FFFD for each wrong byte, and the same object then holds the exact path as a "
         "file:// address under the name with \"_uri\" added, for example item_uri. Such an address is accepted as an "
         "item.\n";
-    page += ".SS plan \\-\\-json\nAn array with one object for each item, in the order in which they were given.\n" +
-            Fields(kPlanFields);
+    page +=
+        ".SS plan \\-\\-json\nAn array with one object for each item, in the order in which they were "
+        "given. Items that do not exist are left out and named on standard error.\n" +
+        Fields(kPlanFields);
     page +=
         ".SS sort, undo, redo, recover \\-\\-json\nOne object; recover prints an array of them. With \\-\\-dry\\-run, "
-        "sort prints "
-        "what plan prints.\n" +
-        Fields(kOutcomeFields);
+        "sort prints what plan prints.\n" +
+        Fields(kOutcomeFields) + ".PP\nReasons: " + Escaped(ReasonKeywords()) + ".\n";
     page += ".SS history \\-\\-json\nAn array, newest batch first.\n" + Fields(kHistoryFields);
     return page;
 }

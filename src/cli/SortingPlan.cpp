@@ -59,7 +59,7 @@ std::optional<ExitCode> MakeSortingPlan(CliContext& context, const CommandLine& 
     if (plan.searchFolder.empty()) return ExitCode::kNothing;
     ItemList items = CollectItems(context, line);
     for (const MissingItem& item : items.missing) {
-        context.console.Say(ShownText(item.nativePath) + ": " + StatusText(item.why));
+        context.console.Say(ShownText(item.typed) + ": " + StatusText(item.why));
     }
     plan.missing = std::move(items.missing);
     if (SayWhyNoItems(context, items, !plan.missing.empty())) {
