@@ -287,17 +287,8 @@ size_t BatchChain::CountStanding(BatchKind by) const {
         const Batch& batch = batches_[b].batch;
         if (IsForward(batch.header.kind) != IsForward(by)) continue;
         for (size_t i = 0; i < batch.steps.size(); ++i) {
-            if (stands[b][i] && !IsFolderStep(batch.steps[i].kind)) ++count;
+            if (stands[b][i] && batch.steps[i].kind != StepKind::kFinishFolder) ++count;
         }
-    }
-    // A batch of empty folders has nothing else to take back.
-    if (count > 0) return count;
-    for (size_t b = 0; b < batches_.size(); ++b) {
-        if (IsForward(batches_[b].batch.header.kind) != IsForward(by)) continue;
-        const auto& steps = batches_[b].batch.steps;
-        const bool onlyFolders =
-            std::all_of(steps.begin(), steps.end(), [](const Step& s) { return IsFolderStep(s.kind); });
-        if (onlyFolders) count += static_cast<size_t>(std::count(stands[b].begin(), stands[b].end(), true));
     }
     return count;
 }

@@ -249,7 +249,7 @@ std::string BatchPlanner::FreeNameIn(uint32_t folder, const std::string& name, F
     const auto opened = folders_.Open(folder);
     return FindFreeName(name, kind != FileKind::kFolder, [&](const std::string& candidate) {
         if (plannedTargets_.contains(KeyOf(folder, candidate))) return true;
-        return opened.ok() && services_.sys.StatAt(**opened, candidate).code() != StatusCode::kNotFound;
+        return opened.ok() && services_.sys.StatAt(**opened, candidate).ok();
     });
 }
 

@@ -67,6 +67,8 @@ Status BatchSession::Run(BatchPlanner* planner, ConflictResolver* resolver, cons
 Status BatchSession::SyncTargets() {
     if (batch_.header.durability != Durability::kContent) return {};
     meter_.SetPhase(BatchPhase::kSyncing);
+    // The marks so far become durable with the volume, so that damage among them can be told for what it is.
+    if (Status flushed = journal_.Flush(); !flushed.ok()) return flushed;
     std::set<uint64_t> synced;
     for (size_t i = 0; i < batch_.steps.size(); ++i) {
         const FolderRecord& folder = batch_.folders[batch_.steps[i].target.folder];
@@ -76,6 +78,9 @@ Status BatchSession::SyncTargets() {
         if (Status status = services_.sys.SyncVolume(**opened); !status.ok()) return status;
         synced.insert(folder.device);
     }
+    const Result<FileInfo> journals = services_.sys.Stat(store_.folder());
+    if (!journals.ok() || !synced.contains(journals->device)) return journal_.Sync();
+    journal_.NoteVolumeSynced();
     return {};
 }
 

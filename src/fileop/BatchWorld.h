@@ -66,7 +66,10 @@ class BatchWorld {
             out += out.empty() ? "" : " ";
             out += entry.path;
             if (entry.kind == FileKind::kFolder) out += "/";
-            if (entry.kind == FileKind::kFile) out += "=" + entry.content;
+            const bool isLong = entry.content.size() > 24;
+            const std::string size = std::to_string(entry.content.size());
+            if (entry.kind == FileKind::kFile)
+                out += "=" + (isLong ? entry.content.substr(0, 3) + "~" + size : entry.content);
             if (entry.kind == FileKind::kLink) out += "->" + entry.content;
         }
         return out;

@@ -7,12 +7,12 @@
 namespace kinsort {
 
 Journal::Journal(Sys& sys, FileHandle file, uint64_t length, uint64_t records)
-    : sys_(&sys), file_(std::move(file)), length_(length), nextSequence_(records) {
+    : sys_(&sys), file_(std::move(file)), length_(length), durableLength_(0), nextSequence_(records) {
     if (length_ == 0) AppendJournalHead(buffer_);
 }
 
 void Journal::Append(RecordType type, std::string_view payload) {
-    AppendFrame(buffer_, type, nextSequence_++, payload);
+    AppendFrame(buffer_, type, nextSequence_++, durableLength_, payload);
 }
 
 Status Journal::Flush() {
@@ -30,6 +30,7 @@ Status Journal::Sync() {
     if (Status flushed = Flush(); !flushed.ok()) return flushed;
     ++syncs_;
     if (Status synced = sys_->Sync(file_); !synced.ok()) return broken_ = synced;
+    durableLength_ = length_;
     return {};
 }
 

@@ -24,6 +24,8 @@ class Journal {
     // Flush, then make everything durable. After a failure the journal is broken and stays so: every later call fails
     // with the same status, because a second sync could succeed without having written anything.
     Status Sync();
+    // Says that everything flushed so far was made durable together with the volume.
+    void NoteVolumeSynced() { durableLength_ = length_; }
     // Reserves room for `bytes` more, so that marks can be written on a full disk. Fails with kNoSpace or kQuota only.
     Status Reserve(uint64_t bytes);
 
@@ -32,7 +34,8 @@ class Journal {
   private:
     Sys* sys_;
     FileHandle file_;
-    uint64_t length_;
+    uint64_t length_;         // bytes written
+    uint64_t durableLength_;  // of them, those that survive a power cut
     uint64_t nextSequence_;
     std::string buffer_;
     Status broken_;

@@ -8,8 +8,14 @@ namespace kinsort {
 
 namespace {
 
-// length, checksum, sequence, type
-constexpr size_t kFrameHeadSize = 4 + 8 + 8 + 1;
+// length, checksum, sequence, durable length, type
+constexpr size_t kFrameHeadSize = 4 + 8 + 8 + 8 + 1;
+
+struct Frame {
+    Record record;
+    uint64_t durableLength = 0;
+    size_t size = 0;  // bytes of the whole frame
+};
 
 // The checksum covers everything behind itself; the sequence is its seed too, so that frames cannot trade places.
 uint64_t ChecksumOf(std::string_view covered, uint64_t sequence) {
@@ -17,7 +23,7 @@ uint64_t ChecksumOf(std::string_view covered, uint64_t sequence) {
 }
 
 // The frame at the front of `bytes` when it is whole, good and has the sequence `sequence`; false otherwise.
-bool ReadFrame(std::string_view bytes, uint64_t sequence, Record& record, size_t& size) {
+bool ReadFrame(std::string_view bytes, uint64_t sequence, Frame& frame) {
     if (bytes.size() < kFrameHeadSize) return false;
     ByteReader reader(bytes);
     const auto length = reader.Take<uint32_t>();
@@ -25,22 +31,23 @@ bool ReadFrame(std::string_view bytes, uint64_t sequence, Record& record, size_t
     if (length > bytes.size() - kFrameHeadSize || reader.Take<uint64_t>() != sequence) return false;
     constexpr size_t kCovered = 4 + 8;
     if (ChecksumOf(bytes.substr(kCovered, kFrameHeadSize - kCovered + length), sequence) != checksum) return false;
-    record = {reader.Take<RecordType>(), bytes.substr(kFrameHeadSize, length)};
-    size = kFrameHeadSize + length;
+    frame.durableLength = reader.Take<uint64_t>();
+    frame.record = {reader.Take<RecordType>(), bytes.substr(kFrameHeadSize, length)};
+    frame.size = kFrameHeadSize + length;
     return true;
 }
 
-// Whether a good frame of this file starts anywhere in `bytes`: then what precedes it is damage and not a torn end.
-bool HoldsLaterFrame(std::string_view bytes, uint64_t nextSequence) {
+// Whether a good frame somewhere in `bytes`, the rest of the file from offset `at` on, says that offset `at` was
+// durable.
+bool WasDurable(uint64_t at, std::string_view bytes, uint64_t firstSequence) {
     // More frames than this cannot follow in the bytes that are left.
-    const uint64_t lastSequence = nextSequence + bytes.size() / kFrameHeadSize + 1;
+    const uint64_t lastSequence = firstSequence + bytes.size() / kFrameHeadSize;
     for (; bytes.size() >= kFrameHeadSize; bytes.remove_prefix(1)) {
         ByteReader reader(bytes.substr(12));
         const auto sequence = reader.Take<uint64_t>();
-        Record record{};
-        size_t size = 0;
-        if (sequence > nextSequence && sequence <= lastSequence && ReadFrame(bytes, sequence, record, size))
-            return true;
+        Frame frame{};
+        const bool isPlausible = sequence >= firstSequence && sequence <= lastSequence;
+        if (isPlausible && ReadFrame(bytes, sequence, frame) && frame.durableLength > at) return true;
     }
     return false;
 }
@@ -53,9 +60,11 @@ void AppendJournalHead(std::string& out) {
     out.append(kJournalMagic).append(writer.bytes());
 }
 
-void AppendFrame(std::string& out, RecordType type, uint64_t sequence, std::string_view payload) {
+void AppendFrame(std::string& out, RecordType type, uint64_t sequence, uint64_t durableLength,
+                 std::string_view payload) {
     ByteWriter covered;
     covered.Put(sequence);
+    covered.Put(durableLength);
     covered.Put(type);
     std::string body = covered.bytes();
     body.append(payload);
@@ -67,30 +76,29 @@ void AppendFrame(std::string& out, RecordType type, uint64_t sequence, std::stri
 
 JournalScan ScanJournal(std::string_view bytes) {
     JournalScan scan;
-    std::string head;
-    AppendJournalHead(head);
     if (bytes.size() < kJournalHeadSize) {
-        const bool isPrefix = head.starts_with(bytes);
-        scan.verdict = isPrefix ? ScanVerdict::kTorn : ScanVerdict::kDamaged;
+        scan.verdict = ScanVerdict::kTorn;
         return scan;
     }
-    if (!bytes.starts_with(kJournalMagic)) return scan;
+    if (!bytes.starts_with(kJournalMagic)) {
+        scan.verdict = WasDurable(0, bytes, 0) ? ScanVerdict::kDamaged : ScanVerdict::kTorn;
+        return scan;
+    }
     ByteReader version(bytes.substr(kJournalMagic.size()));
     if (const auto number = version.Take<uint32_t>(); number != kJournalVersion) {
         scan.verdict = number > kJournalVersion ? ScanVerdict::kTooNew : ScanVerdict::kDamaged;
         return scan;
     }
     size_t at = kJournalHeadSize;
-    Record record{};
-    for (size_t size = 0; ReadFrame(bytes.substr(at), scan.records.size(), record, size); at += size) {
-        scan.records.push_back(record);
+    for (Frame frame{}; ReadFrame(bytes.substr(at), scan.records.size(), frame); at += frame.size) {
+        scan.records.push_back(frame.record);
     }
     scan.validLength = at;
     if (at == bytes.size()) {
         scan.verdict = ScanVerdict::kWhole;
     } else {
-        scan.verdict =
-            HoldsLaterFrame(bytes.substr(at), scan.records.size()) ? ScanVerdict::kDamaged : ScanVerdict::kTorn;
+        const bool isDamage = WasDurable(at, bytes.substr(at), scan.records.size() + 1);
+        scan.verdict = isDamage ? ScanVerdict::kDamaged : ScanVerdict::kTorn;
     }
     return scan;
 }

@@ -1,5 +1,7 @@
-// The bytes of a journal file: a head, then frames. A frame is one record with its length, its number in the file and
-// a checksum, so that a torn end is told from damage in the middle. docs/journal-format.md describes it for people.
+// The bytes of a journal file: a head, then frames. A frame is one record with its length, its number in the file, the
+// length of the file that was durable when it was written, and a checksum. What a crash leaves is so told from damage:
+// a power cut can garble anything behind the last sync, even with good frames behind it, but nothing in front of it.
+// docs/journal-format.md describes it for people.
 #pragma once
 
 #include <cstdint>
@@ -32,14 +34,16 @@ struct Record {
     std::string_view payload;
 };
 
-// Appends the file head / a frame to `out`. `sequence` counts the frames of a file from 0.
+// Appends the file head / a frame to `out`. `sequence` counts the frames of a file from 0; `durableLength` is how many
+// bytes of the file are known to survive a power cut.
 void AppendJournalHead(std::string& out);
-void AppendFrame(std::string& out, RecordType type, uint64_t sequence, std::string_view payload);
+void AppendFrame(std::string& out, RecordType type, uint64_t sequence, uint64_t durableLength,
+                 std::string_view payload);
 
 enum class ScanVerdict : uint8_t {
     kWhole,    // every byte belongs to a good frame
-    kTorn,     // good frames, then an end that never became one: what a crash leaves
-    kDamaged,  // a bad frame with good ones behind it, or a head that is none
+    kTorn,     // good frames, then what a crash left of others
+    kDamaged,  // a bad head or frame where all was durable once
     kTooNew,   // a later version of the format
 };
 

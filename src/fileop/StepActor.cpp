@@ -271,6 +271,8 @@ Status StepActor::RenameFile(const FileHandle& fromFolder, const std::string& fr
     if (renamed.code() != StatusCode::kUnsupported || kind == FileKind::kFolder) return renamed;
     // A second name is never made over an existing one, so link and remove is a rename that replaces nothing.
     if (Status linked = sys_.LinkAt(fromFolder, from, toFolder, to); !linked.ok()) return linked;
+    // The two are not one change: the new name must be safe before the old one goes.
+    if (Status synced = sys_.Sync(toFolder); !synced.ok()) return synced;
     return sys_.RemoveFileAt(fromFolder, from);
 }
 

@@ -13,9 +13,8 @@ Result<std::vector<uint32_t>> TornSteps::Settle() {
     std::vector<uint32_t> done;
     for (uint32_t i = 0; i < batch_.steps.size(); ++i) {
         StepState& state = batch_.states[i];
-        const bool isOpen = state.progress == StepProgress::kPending || state.progress == StepProgress::kPrepared ||
-                            state.progress == StepProgress::kCopied;
-        if (!isOpen) continue;
+        // What the journal says is done was done, but a power cut can have taken names back since.
+        if (state.progress == StepProgress::kFailed || state.progress == StepProgress::kSkipped) continue;
         const Finding finding = Probe(i);
         if (!failure_.ok()) return failure_;
         state.progress = finding == Finding::kDone ? StepProgress::kDone : StepProgress::kPending;
@@ -44,7 +43,11 @@ TornSteps::Finding TornSteps::Probe(uint32_t index) {
     if (MakesContent(step.kind)) RemoveTemporary(index);
     if (IsMove(step.kind)) return ProbeMove(index);
     if (step.kind == StepKind::kRemoveCopy) {
-        return LookAt(step.target).info.code() == StatusCode::kNotFound ? Finding::kDone : Finding::kPending;
+        // Gone, or already followed by what it had replaced.
+        const Look target = LookAt(step.target);
+        const bool isThere =
+            target.info.ok() ? step.targetId.IsSameFile(*target.info) : target.info.code() != StatusCode::kNotFound;
+        return isThere ? Finding::kPending : Finding::kDone;
     }
     return ProbeContent(index);
 }
@@ -96,7 +99,10 @@ bool TornSteps::IsSameAsSource(const Step& step, const Look& there, const Place&
 TornSteps::Finding TornSteps::ProbeContent(uint32_t index) {
     const Step& step = batch_.steps[index];
     StepState& state = batch_.states[index];
-    const Look source = LookAt(step.source);
+    Look source = LookAt(step.source);
+    // Another file at the source's place says nothing: the step after this one may have put it there.
+    if (source.info.ok() && !step.sourceId.IsSameFile(*source.info))
+        source.info = Status::Failure(StatusCode::kNotFound);
     if (IsReplace(step.kind)) {
         const Place keptPlace{step.keptFolder, KeptName(index)};
         const Look kept = LookAt(keptPlace);
@@ -120,7 +126,9 @@ TornSteps::Finding TornSteps::ProbeContent(uint32_t index) {
         if (isOurs) state.made = FileIdentity::Of(*target.info);
         return isOurs ? Finding::kDone : Finding::kPending;
     }
-    const bool isSame = IsSameAsSource(step, target, step.target, source);
+    // Content that was durable before it got its name needs no second look.
+    const bool isSafe = batch_.header.durability == Durability::kContent && state.made.IsUnchanged(*target.info);
+    const bool isSame = isSafe || IsSameAsSource(step, target, step.target, source);
     if (!isSame) {
         if (isOurs) DropContent(index);
         return Finding::kPending;
@@ -149,6 +157,7 @@ void TornSteps::DropContent(uint32_t index) {
 TornSteps::Finding TornSteps::ProbeFolder(uint32_t index) {
     const Step& step = batch_.steps[index];
     const Look target = LookAt(step.target);
+    if (step.kind == StepKind::kMakeFolder) PinAgain(step.target, target);
     if (step.kind == StepKind::kRemoveFolder) {
         return target.info.code() == StatusCode::kNotFound ? Finding::kDone : Finding::kPending;
     }
@@ -157,6 +166,16 @@ TornSteps::Finding TornSteps::ProbeFolder(uint32_t index) {
     }
     batch_.states[index].made = FileIdentity::Of(*target.info);
     return Finding::kDone;
+}
+
+// The folder that stands there now, or none, is the one that further steps go into.
+void TornSteps::PinAgain(const Place& place, const Look& there) {
+    for (uint32_t i = 0; i < batch_.folders.size(); ++i) {
+        FolderRecord& folder = batch_.folders[i];
+        if (folder.parent != place.folder || folder.name != place.name || folder.isKeep) continue;
+        folder.inode = 0;
+        if (there.info.ok() && there.info->kind == FileKind::kFolder) folders_.SetMade(i, *there.info);
+    }
 }
 
 void TornSteps::RemoveTemporary(uint32_t index) {

@@ -16,8 +16,8 @@ class TornSteps {
   public:
     TornSteps(Sys& sys, Batch& batch, FolderTable& folders);
 
-    // Settles every step without an outcome in the journal: its state becomes kDone or kPending. Returns the indices of
-    // the steps found done. Fails only when what is on the volume cannot be made durable.
+    // Settles every step that the journal does not call failed: its state becomes kDone or kPending. Returns the
+    // indices of the steps found done. Fails only when what is on the volume cannot be made durable.
     Result<std::vector<uint32_t>> Settle();
 
   private:
@@ -38,6 +38,7 @@ class TornSteps {
     // Whether what stands at `place` is what the step made, and whole.
     bool IsMadeHere(uint32_t index, const Look& there, const Look& source);
     bool IsSameAsSource(const Step& step, const Look& there, const Place& place, const Look& source);
+    void PinAgain(const Place& place, const Look& there);
     void RemoveTemporary(uint32_t index);
     void RepairSwap(uint32_t index);
     void DropContent(uint32_t index);
