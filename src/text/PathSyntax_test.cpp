@@ -12,8 +12,8 @@ TEST(PathSyntax, RootIsRecognisedInEveryForm) {
         std::u16string_view path;
         PathRootKind kind;
         std::u16string_view remainder;
-        std::u16string_view server = u"";
-        std::u16string_view share = u"";
+        std::u16string_view server = {};
+        std::u16string_view share = {};
     };
     const Case cases[] = {
         {u"", PathRootKind::kRelative, u""},

@@ -16,7 +16,7 @@ class RecordingOpener final : public DesktopOpener {
     Status Open(const OpenRequest& request) override {
         opened.push_back(request);
         if (results.empty()) return {};
-        const Status result = results.front();
+        Status result = results.front();
         results.pop_front();
         return result;
     }

@@ -146,10 +146,12 @@ class LinuxProcesses final : public Processes {
         if (!folder.ok()) return folder.status().At(request.startFolder);
 
         std::vector<std::string> arguments = {*program};
+        arguments.reserve(request.arguments.size() + 1);
         for (const std::u16string& argument : request.arguments) {
             arguments.push_back(ArgumentToStored(codec_, argument));
         }
         std::vector<char*> pointers;
+        pointers.reserve(arguments.size() + 1);
         for (std::string& argument : arguments)
             pointers.push_back(argument.data());
         pointers.push_back(nullptr);
