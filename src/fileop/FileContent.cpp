@@ -68,6 +68,8 @@ struct ContentCopy {
             if (!data.ok()) return data.status();
             const Result<uint64_t> hole = *data < size ? sys.NextHole(from, *data) : Result<uint64_t>(size);
             if (!hole.ok()) return hole.status();
+            const bool hasShrunk = *data < at || (*data < size && *hole <= *data);
+            if (hasShrunk) return Status::Failure(StatusCode::kChanged);
             at = *data;
             if (Status run = CopyRun(at, std::min(*hole, size)); !run.ok()) return run;
             at = std::max(at, std::min(*hole, size));

@@ -160,7 +160,8 @@ TEST_F(FileContentTest, HolesStayHoles) {
             EXPECT_EQ(to.size, c.size) << c.what;
             EXPECT_EQ(to.allocated, from.allocated) << c.what;
             EXPECT_LE(told, from.allocated) << c.what;
-            if (c.size <= 10 * kMiB) EXPECT_EQ(disk.ReadFile("/d/to"), disk.ReadFile("/d/from")) << c.what;
+            const bool canCompare = c.size <= 10 * kMiB;
+            EXPECT_TRUE(!canCompare || disk.ReadFile("/d/to") == disk.ReadFile("/d/from")) << c.what;
         }
     }
     UseVolume(Volume(false, true, false));  // does not tell where they are
@@ -213,7 +214,7 @@ TEST_F(FileContentTest, ASourceThatChangesIsNeverTakenForCopied) {
                 const uint64_t strikes = faults.strikes();
                 faults.AtKind(way.during, faults.CountOf(way.during) + count, Fault::Hook(act));
                 const StatusCode code = Copy().code();
-                if (count == 1) EXPECT_EQ(faults.strikes(), strikes + 1) << way.what;
+                ASSERT_TRUE(faults.strikes() == strikes + 1 || count == 2) << way.what;
                 EXPECT_EQ(code, faults.strikes() > strikes ? StatusCode::kChanged : StatusCode::kOk)
                     << way.what << ", the source " << change.what << " at call " << count;
             }
