@@ -15,7 +15,9 @@ std::string Words(std::string_view choices) {
 std::string VisibleVerbs() {
     std::string names;
     for (const VerbSpec& verb : Verbs()) {
-        if (!verb.isHidden) names += (names.empty() ? "" : " ") + std::string(verb.name);
+        if (verb.isHidden) continue;
+        if (!names.empty()) names += ' ';
+        names += verb.name;
     }
     return names;
 }

@@ -80,7 +80,7 @@ std::string FormatProgressBar(BatchAction action, const ProgressState& state, si
     if (taken + kShortestBar <= columns) {
         const size_t length = std::min(columns - taken, kLongestBar);
         const auto filled = static_cast<size_t>(fraction * static_cast<double>(length));
-        line += "[" + std::string(filled, '#') + std::string(length - filled, ' ') + "] ";
+        line.append(1, '[').append(filled, '#').append(length - filled, ' ').append("] ");
     }
     return (line + details).substr(0, columns);
 }

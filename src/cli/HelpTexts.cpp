@@ -38,7 +38,8 @@ std::string WrapText(std::string_view text, size_t indent, size_t columns) {
         const size_t end = std::min(text.find_first_of(" \n"), text.size());
         const std::string_view word = text.substr(0, end);
         if (!line.empty() && indent + line.size() + 1 + word.size() > columns) endLine();
-        if (!word.empty()) line += (line.empty() ? "" : " ") + std::string(word);
+        if (!word.empty() && !line.empty()) line += ' ';
+        line += word;
         if (end < text.size() && text[end] == '\n') {
             if (!line.empty()) {
                 endLine();
@@ -92,7 +93,7 @@ std::string ProgramHelp() {
 
 std::string VerbHelp(const VerbSpec& verb) {
     std::string text = "Usage: " + SynopsisOf(verb) + "\n\n" + WrapText(verb.description, 0, kColumns);
-    if (verb.operand == OperandKind::kItems) text += "\n" + WrapText(kItemsText, 0, kColumns);
+    if (verb.operand == OperandKind::kItems) text.append("\n").append(WrapText(kItemsText, 0, kColumns));
     text += "\nOptions:\n";
     for (const OptionId id : verb.options)
         text += Entry(OptionText(SpecOf(id)), SpecOf(id).help);

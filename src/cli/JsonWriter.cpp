@@ -47,14 +47,18 @@ void JsonWriter::Key(std::string_view name) {
     if (nesting_.back() == Place::kObject) console_.Print(", ");
     nesting_.back() = Place::kObject;
     afterKey_ = true;
-    console_.Print("\"" + std::string(name) + "\": ");
+    console_.Print("\"");
+    console_.Print(name);
+    console_.Print("\": ");
 }
 
 void JsonWriter::String(std::string_view utf8) {
     BeforeValue();
     const auto isPlain = [](char c) { return c >= 0x20 && c < 0x7F && c != '"' && c != '\\'; };
     if (std::all_of(utf8.begin(), utf8.end(), isPlain)) {
-        console_.Print("\"" + std::string(utf8) + "\"");
+        console_.Print("\"");
+        console_.Print(utf8);
+        console_.Print("\"");
         return;
     }
     const std::string text = ToUtf8(FromUtf8(utf8));
