@@ -70,13 +70,22 @@ Status BatchSession::SyncTargets() {
     // The marks so far become durable with the volume, so that damage among them can be told for what it is.
     if (Status flushed = journal_.Flush(); !flushed.ok()) return flushed;
     std::set<uint64_t> synced;
-    for (size_t i = 0; i < batch_.steps.size(); ++i) {
-        const FolderRecord& folder = batch_.folders[batch_.steps[i].target.folder];
-        if (batch_.states[i].progress != StepProgress::kDone || synced.contains(folder.device)) continue;
-        const auto opened = folders_.Open(batch_.steps[i].target.folder);
-        if (!opened.ok()) continue;  // gone again; another folder of the volume will do
+    const auto syncVolumeOf = [&](uint32_t folder) -> Status {
+        if (synced.contains(batch_.folders[folder].device)) return {};
+        const auto opened = folders_.Open(folder);
+        if (!opened.ok()) return {};  // gone again; another folder of the volume will do
         if (Status status = services_.sys.SyncVolume(**opened); !status.ok()) return status;
-        synced.insert(folder.device);
+        synced.insert(batch_.folders[folder].device);
+        return {};
+    };
+    for (size_t i = 0; i < batch_.steps.size(); ++i) {
+        if (batch_.states[i].progress != StepProgress::kDone) continue;
+        const Step& step = batch_.steps[i];
+        // A transfer's target was made durable before its source was removed: what is left is that removal.
+        if (Status status = syncVolumeOf(IsTransfer(step.kind) ? step.source.folder : step.target.folder);
+            !status.ok()) {
+            return status;
+        }
     }
     const Result<FileInfo> journals = services_.sys.Stat(store_.folder());
     if (!journals.ok() || !synced.contains(journals->device)) return journal_.Sync();

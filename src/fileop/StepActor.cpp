@@ -166,7 +166,8 @@ StepResult StepActor::PublishMove(uint32_t index, FileIdentity& made) {
     if (Status moved = RenameFile(*from, step.source.name, *kept, keptName, info->kind); !moved.ok())
         return Failed(moved);
     StepResult swapped = ExchangeWithKept(index, made);
-    if (!swapped.ok()) {
+    // Only what was put there goes back: after a failure half-way the kept name can be the replaced file's.
+    if (!swapped.ok() && IsStillKept(*kept, index, made)) {
         if (Status back = RenameFile(*kept, keptName, *from, step.source.name, info->kind); !back.ok())
             return Failed(back);
     }
@@ -183,7 +184,8 @@ StepResult StepActor::PublishContent(uint32_t index, PreparedContent& prepared, 
     const std::string keptName = KeptName(index);
     if (StepResult placed = PlaceContent(index, prepared, *kept, keptName, made); !placed.ok()) return placed;
     StepResult swapped = ExchangeWithKept(index, made);
-    if (!swapped.ok()) (void)sys_.RemoveFileAt(*kept, keptName);  // the new copy; its source is where it was
+    // The new copy may go: its source is where it was.
+    if (!swapped.ok() && IsStillKept(*kept, index, made)) (void)sys_.RemoveFileAt(*kept, keptName);
     return swapped;
 }
 
@@ -222,7 +224,10 @@ StepResult StepActor::PlaceLink(const Step& step, const FileHandle& folder, cons
     if (placed.code() == StatusCode::kExists) return Failed(placed, ItemReason::kTargetTaken);
     if (!placed.ok()) return Failed(placed);
     const Result<FileInfo> info = sys_.StatAt(folder, name);
-    if (!info.ok()) return Failed(info.status());
+    if (!info.ok()) {
+        (void)sys_.RemoveFileAt(folder, name);
+        return Failed(info.status());
+    }
     made = FileIdentity::Of(*info);
     return {};
 }
@@ -242,16 +247,24 @@ StepResult StepActor::ExchangeWithKept(uint32_t index, const FileIdentity& made)
     }
     if (!before.ok()) return Failed(before.status());
     if (!step.targetId.IsUnchanged(*before)) return {ItemReason::kTargetTaken, {}};
-    Status swapped = sys_.Exchange(*kept, keptName, *to, step.target.name);
-    if (swapped.code() == StatusCode::kUnsupported) {
-        swapped = SwapByRenames(*kept, keptName, *to, step.target.name);
-    }
-    if (!swapped.ok()) return Failed(swapped);
+    if (Status swapped = Swap(*kept, keptName, *to, step.target.name); !swapped.ok()) return Failed(swapped);
     // Between the look and the swap something else may have taken the place: then that goes back to where it was.
     const Result<FileInfo> displaced = sys_.StatAt(*kept, keptName);
     if (displaced.ok() && step.targetId.IsSameFile(*displaced)) return {};
-    if (Status back = sys_.Exchange(*kept, keptName, *to, step.target.name); !back.ok()) return Failed(back);
-    return {ItemReason::kTargetTaken, {}};
+    if (Status back = Swap(*kept, keptName, *to, step.target.name); !back.ok()) return Failed(back);
+    return displaced.ok() ? StepResult{ItemReason::kTargetTaken, {}} : Failed(displaced.status());
+}
+
+Status StepActor::Swap(const FileHandle& keptFolder, const std::string& kept, const FileHandle& targetFolder,
+                       const std::string& target) {
+    const Status swapped = sys_.Exchange(keptFolder, kept, targetFolder, target);
+    if (swapped.code() != StatusCode::kUnsupported) return swapped;
+    return SwapByRenames(keptFolder, kept, targetFolder, target);
+}
+
+bool StepActor::IsStillKept(const FileHandle& keptFolder, uint32_t index, const FileIdentity& made) {
+    const Result<FileInfo> info = sys_.StatAt(keptFolder, KeptName(index));
+    return info.ok() && made.IsSameFile(*info);
 }
 
 Status StepActor::SwapByRenames(const FileHandle& keptFolder, const std::string& kept, const FileHandle& targetFolder,
@@ -262,7 +275,11 @@ Status StepActor::SwapByRenames(const FileHandle& keptFolder, const std::string&
         const Status back = RenameFile(keptFolder, aside, targetFolder, target, FileKind::kFile);
         return back.ok() ? moved : back;
     }
-    return RenameFile(keptFolder, aside, keptFolder, kept, FileKind::kFile);
+    const Status settled = RenameFile(keptFolder, aside, keptFolder, kept, FileKind::kFile);
+    if (settled.ok()) return settled;
+    Status back = RenameFile(targetFolder, target, keptFolder, kept, FileKind::kFile);
+    if (back.ok()) back = RenameFile(keptFolder, aside, targetFolder, target, FileKind::kFile);
+    return back.ok() ? settled : back;
 }
 
 Status StepActor::RenameFile(const FileHandle& fromFolder, const std::string& from, const FileHandle& toFolder,
@@ -272,25 +289,30 @@ Status StepActor::RenameFile(const FileHandle& fromFolder, const std::string& fr
     // A second name is never made over an existing one, so link and remove is a rename that replaces nothing.
     if (Status linked = sys_.LinkAt(fromFolder, from, toFolder, to); !linked.ok()) return linked;
     // The two are not one change: the new name must be safe before the old one goes.
-    if (Status synced = sys_.Sync(toFolder); !synced.ok()) return synced;
-    return sys_.RemoveFileAt(fromFolder, from);
+    Status moved = sys_.Sync(toFolder);
+    if (moved.ok()) moved = sys_.RemoveFileAt(fromFolder, from);
+    if (!moved.ok()) (void)sys_.RemoveFileAt(toFolder, to);
+    return moved;
 }
 
 StepResult StepActor::RemoveSource(uint32_t index, const FileInfo& copied, const FileIdentity& made) {
+    StepResult removed = RemoveUnchangedSource(index, copied);
+    if (removed.ok()) return removed;
+    // The source stays, so the move did not happen: then its target must not be there either.
+    const StepResult back = TakeBack(index, made);
+    return back.ok() ? removed : back;
+}
+
+StepResult StepActor::RemoveUnchangedSource(uint32_t index, const FileInfo& copied) {
     const Step& step = batch_.steps[index];
     Folder from;
     if (StepResult opened = OpenFolder(step.source.folder, false, from); !opened.ok()) return opened;
     const Result<FileInfo> now = sys_.StatAt(*from, step.source.name);
     if (now.code() == StatusCode::kNotFound) return {};
     if (!now.ok()) return Failed(now.status());
-    if (!FileIdentity::Of(copied).IsUnchanged(*now)) {
-        if (StepResult back = TakeBack(index, made); !back.ok()) return back;
-        return {ItemReason::kSourceChanged, {}};
-    }
+    if (!FileIdentity::Of(copied).IsUnchanged(*now)) return {ItemReason::kSourceChanged, {}};
     const Status removed = sys_.RemoveFileAt(*from, step.source.name);
-    if (removed.ok()) return {};
-    if (StepResult back = TakeBack(index, made); !back.ok()) return back;
-    return Failed(removed);
+    return removed.ok() ? StepResult() : Failed(removed);
 }
 
 StepResult StepActor::TakeBack(uint32_t index, const FileIdentity& made) {
@@ -366,7 +388,10 @@ StepResult StepActor::ActOnFolder(uint32_t index, FileIdentity& made) {
         const Status status = sys_.MakeFolderAt(*parent, step.target.name, mode | 0700);
         if (!status.ok() && status.code() != StatusCode::kExists) return Failed(status);
         const Result<FileInfo> info = sys_.StatAt(*parent, step.target.name);
-        if (!info.ok()) return Failed(info.status());
+        if (!info.ok()) {
+            if (status.ok()) (void)sys_.RemoveFolderAt(*parent, step.target.name);
+            return Failed(info.status());
+        }
         if (info->kind != FileKind::kFolder) return {ItemReason::kTargetTaken, {}};
         made = FileIdentity::Of(*info);
         if ((info->mode & 0700) == 0700) return {};

@@ -74,8 +74,14 @@ class StepActor {
                             const std::string& name, FileIdentity& made);
     StepResult PlaceLink(const Step& step, const FileHandle& folder, const std::string& name, FileIdentity& made);
     StepResult RemoveVerified(uint32_t index);
+    StepResult RemoveUnchangedSource(uint32_t index, const FileInfo& copied);
     Status RenameFile(const FileHandle& fromFolder, const std::string& from, const FileHandle& toFolder,
                       const std::string& to, FileKind kind);
+    // Two names trade places: at once where the volume can, else by three renames.
+    Status Swap(const FileHandle& keptFolder, const std::string& kept, const FileHandle& targetFolder,
+                const std::string& target);
+    // Whether the kept name of a step still holds the new file.
+    bool IsStillKept(const FileHandle& keptFolder, uint32_t index, const FileIdentity& made);
     Status SwapByRenames(const FileHandle& keptFolder, const std::string& kept, const FileHandle& targetFolder,
                          const std::string& target);
 

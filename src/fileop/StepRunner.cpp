@@ -197,9 +197,9 @@ Status StepRunner::RecordPrepared(const Group& group) {
         hasCopies |= IsCopy(batch_.steps[slot.index].kind) || IsReplace(batch_.steps[slot.index].kind);
     }
     if (!prepared.empty()) journal_.Append(RecordType::kPrepared, EncodeProgress(prepared, batch_.states));
-    if (!hasCopies && !mustSyncJournal_) return {};
+    isPreparedDurable_ = hasCopies || mustSyncJournal_;
     mustSyncJournal_ = false;
-    return journal_.Sync();
+    return isPreparedDurable_ ? journal_.Sync() : Status();
 }
 
 void StepRunner::PublishAll(Group& group) {
@@ -224,14 +224,17 @@ Status StepRunner::FinishTransfers(Group& group) {
     for (auto& [device, slots] : byVolume)
         SyncVolumeOf(batch_.steps[slots.front()->index].target.folder, slots);
     std::vector<uint32_t> copied;
+    bool isKnown = isPreparedDurable_;  // the journal holds the identity of each new file already
     for (auto& [device, slots] : byVolume) {
         for (const Slot* slot : slots) {
-            if (slot->result.ok()) copied.push_back(slot->index);
+            if (!slot->result.ok()) continue;
+            copied.push_back(slot->index);
+            isKnown &= batch_.steps[slot->index].sourceId.kind == FileKind::kFile;
         }
     }
     std::sort(copied.begin(), copied.end());
     journal_.Append(RecordType::kCopied, EncodeProgress(copied, batch_.states));
-    if (Status synced = journal_.Sync(); !synced.ok()) return synced;
+    if (Status synced = isKnown ? journal_.Flush() : journal_.Sync(); !synced.ok()) return synced;
     ForEach(group, [this](Slot& slot) {
         const Step& step = batch_.steps[slot.index];
         if (!IsTransfer(step.kind) || step.dependsOnPrevious) return;

@@ -82,6 +82,7 @@ class StepRunner {
     std::deque<uint32_t> again_;       // steps that are to be tried once more
     std::deque<uint32_t> finishLast_;  // ends of folders that still get something, the innermost first
     bool mustSyncJournal_ = false;     // the plan was changed since the last sync
+    bool isPreparedDurable_ = false;   // the last group's identities of prepared contents
     bool isCancelled_ = false;
 };
 
