@@ -35,11 +35,11 @@ int main(int argc, char** argv) {
     std::setlocale(LC_CTYPE, "");  // the language of the system's own texts
     std::setlocale(LC_MESSAGES, "");
     kinsort::PrepareLinuxProcess();
+    const auto terminal = kinsort::MakeLinuxTerminal();
     const auto codec = kinsort::MakeLinuxPathCodec(kinsort::DrivesFolderOfThisUser());
     const auto files = kinsort::MakeLinuxFileSystem(*codec);
     const auto sys = kinsort::MakeLinuxSys();
     const auto clock = kinsort::MakeLinuxClock();
-    const auto terminal = kinsort::MakeLinuxTerminal();
     kinsort::CliServices services{
         .files = *files,
         .codec = *codec,

@@ -164,6 +164,10 @@ class LinuxTerminal : public Terminal {
 }  // namespace
 
 std::unique_ptr<Terminal> MakeLinuxTerminal() {
+    // A standard stream that was closed would give its number to the next file opened, and our words would go there.
+    for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+        if (fcntl(stream, F_GETFD) < 0 && errno == EBADF) (void)open("/dev/null", O_RDWR);  // takes the lowest number
+    }
     return std::make_unique<LinuxTerminal>();
 }
 

@@ -4,9 +4,11 @@
 #include <cstdio>
 #include <fstream>
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <signal.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 namespace kinsort {
 namespace {
@@ -38,6 +40,16 @@ TEST(LinuxTerminal, ReadsFilesWholeAndSaysWhyNot) {
     EXPECT_EQ(terminal->ReadAll(path).code(), StatusCode::kNotFound);
     EXPECT_EQ(terminal->ReadAll("/").code(), StatusCode::kIsFolder);
     EXPECT_EQ(terminal->ReadAll("").code(), StatusCode::kNotFound);
+}
+
+TEST(LinuxTerminal, AClosedStreamGivesItsNumberToNoFile) {
+    const int kept = dup(STDIN_FILENO);
+    close(STDIN_FILENO);
+    const auto terminal = MakeLinuxTerminal();
+    EXPECT_GT(open("/dev/zero", O_RDONLY), STDERR_FILENO);
+    EXPECT_EQ(terminal->ReadLine().code(), StatusCode::kNotFound) << "nothing to read there";
+    dup2(kept, STDIN_FILENO);
+    close(kept);
 }
 
 TEST(LinuxTerminal, AnInterruptCallsTheActionEveryTimeAndEndsReading) {
