@@ -57,7 +57,7 @@ TEST(NativeOfTyped, UnderstandsAddressesAndTheHomeFolder) {
 TEST(FileUri, EveryPathComesBack) {
     std::string path;
     for (int byte = 1; byte < 256; ++byte)
-        path += "/" + std::string(1, static_cast<char>(byte));
+        path += {'/', static_cast<char>(byte)};
     const std::string uri = FileUriOfPath(path);
     EXPECT_EQ(PathOfFileUri(uri), path);
     for (const char c : uri)
