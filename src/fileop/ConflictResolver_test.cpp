@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "fileop/BatchWorld.h"
+#include "fileop/BatchWorld_test.h"
 
 namespace kinsort {
 namespace {

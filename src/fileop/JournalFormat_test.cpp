@@ -4,7 +4,7 @@
 
 #include <gtest/gtest.h>
 
-#include "fileop/BatchWorld.h"
+#include "fileop/BatchWorld_test.h"
 #include "fileop/ByteStream.h"
 
 namespace kinsort {
