@@ -10,10 +10,10 @@ constexpr std::string_view kJournalSuffix = ".batch";
 constexpr std::string_view kKeptSuffix = ".kept";
 constexpr size_t kIdDigits = 16;
 
-std::string HexOf(uint64_t number) {
+std::string HexOf(uint64_t number, size_t digits = kIdDigits) {
     constexpr char kDigits[] = "0123456789abcdef";
-    std::string text(kIdDigits, '0');
-    for (size_t i = kIdDigits; i-- > 0; number >>= 4)
+    std::string text(digits, '0');
+    for (size_t i = digits; i-- > 0; number >>= 4)
         text[i] = kDigits[number & 15];
     return text;
 }
@@ -32,8 +32,10 @@ std::string JournalName(BatchId id) {
     return HexOf(id).append(kJournalSuffix);
 }
 
-std::string KeptFolderName(BatchId id) {
-    return HexOf(id).append(kKeptSuffix);
+std::string KeptFolderName(const BatchHeader& header) {
+    std::string name = HexOf(header.id);
+    name.append("-").append(HexOf(header.user, 8)).append("-").append(HexOf(static_cast<uint64_t>(header.startedNs)));
+    return name.append(kKeptSuffix);
 }
 
 BatchId IdOfJournalName(std::string_view name) {
@@ -41,7 +43,8 @@ BatchId IdOfJournalName(std::string_view name) {
     BatchId id = 0;
     const char* end = name.data() + kIdDigits;
     const auto [stop, error] = std::from_chars(name.data(), end, id, 16);
-    return error == std::errc{} && stop == end && JournalName(id) == name ? id : 0;
+    const bool isOurs = error == std::errc{} && stop == end && JournalName(id) == name;
+    return isOurs && id != UINT64_MAX ? id : 0;  // behind the last number there is no next one
 }
 
 std::string StoredPathOf(const std::vector<FolderRecord>& folders, uint32_t index) {

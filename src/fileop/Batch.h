@@ -152,9 +152,11 @@ struct Batch {
 std::string KeptName(size_t stepIndex);
 // The name a copy grows under where a volume has no nameless files.
 std::string TemporaryName(BatchId id, size_t stepIndex);
-// "0000000000000012.batch" and "0000000000000012.kept": a batch's journal and its kept folder in the journal folder.
+// "0000000000000012.batch": a batch's journal in the journal folder.
 std::string JournalName(BatchId id);
-std::string KeptFolderName(BatchId id);
+// "0000000000000012-000003e8-17d0c5e2a4b1f000.kept": a batch's folder for replaced files. User and time keep it apart
+// from those of other users and of forgotten batches in the same place.
+std::string KeptFolderName(const BatchHeader& header);
 // The number in a journal's name; 0 for any other name.
 BatchId IdOfJournalName(std::string_view name);
 

@@ -159,7 +159,7 @@ class Inverter {
         const auto [known, isNew] = keepFolders_.try_emplace(old, static_cast<uint32_t>(out_.folders.size()));
         if (isNew) {
             FolderRecord folder = out_.folders[old];
-            folder.name = (folder.name.starts_with('.') ? ".kinsort-" : "") + KeptFolderName(out_.header.id);
+            folder.name = (folder.name.starts_with('.') ? ".kinsort-" : "") + KeptFolderName(out_.header);
             folder.inode = 0;
             folder.createdNs = 0;
             out_.folders.push_back(std::move(folder));
@@ -293,35 +293,40 @@ size_t BatchChain::CountStanding(BatchKind by) const {
     return count;
 }
 
-Batch BatchChain::Invert(BatchKind kind, BatchId id) const {
+Batch BatchChain::Invert(const BatchHeader& header) const {
     Batch out;
-    out.header.kind = kind;
-    out.header.id = id;
+    out.header = header;
     out.header.root = sort().header.id;
     out.header.durability = sort().header.durability;
     const auto stands = FindStanding();
     Inverter inverter(out);
     for (size_t b = batches_.size(); b-- > 0;) {
-        if (IsForward(batches_[b].batch.header.kind) == IsForward(kind)) continue;
+        if (IsForward(batches_[b].batch.header.kind) == IsForward(header.kind)) continue;
         inverter.InvertBatch(batches_[b], stands[b]);
     }
     return out;
 }
 
+void RemoveKeptFiles(Sys& sys, Batch batch) {
+    FolderTable folders(sys, batch.folders);
+    for (uint32_t i = 0; i < batch.steps.size(); ++i) {
+        if (!IsReplace(batch.steps[i].kind) || batch.states[i].progress != StepProgress::kDone) continue;
+        const auto kept = folders.Open(batch.steps[i].keptFolder);
+        const Result<FileInfo> info = kept.ok() ? sys.StatAt(**kept, KeptName(i)) : Result<FileInfo>(kept.status());
+        // Not there when it was put back; anything else that stands there is not ours to remove.
+        if (info.ok() && batch.steps[i].targetId.IsSameFile(*info)) (void)sys.RemoveFileAt(**kept, KeptName(i));
+    }
+    for (const FolderRecord& folder : batch.folders) {
+        if (!folder.isKeep) continue;
+        if (const auto parent = folders.Open(folder.parent); parent.ok())
+            (void)sys.RemoveFolderAt(**parent, folder.name);
+    }
+}
+
 Status ForgetChain(Sys& sys, JournalStore& store, const BatchChain& chain) {
     for (size_t b = chain.batches().size(); b-- > 0;) {
-        Batch batch = chain.batches()[b].batch;
-        FolderTable folders(sys, batch.folders);
-        for (uint32_t i = 0; i < batch.steps.size(); ++i) {
-            if (!IsReplace(batch.steps[i].kind) || batch.states[i].progress != StepProgress::kDone) continue;
-            const auto kept = folders.Open(batch.steps[i].keptFolder);
-            if (kept.ok()) (void)sys.RemoveFileAt(**kept, KeptName(i));  // not there when it was put back
-        }
-        for (const FolderRecord& folder : batch.folders) {
-            if (!folder.isKeep) continue;
-            const auto parent = folders.Open(folder.parent);
-            if (parent.ok()) (void)sys.RemoveFolderAt(**parent, folder.name);
-        }
+        const Batch& batch = chain.batches()[b].batch;
+        RemoveKeptFiles(sys, batch);
         if (Status removed = store.Remove(batch.header.id); !removed.ok()) return removed;
     }
     return {};

@@ -31,15 +31,19 @@ class BatchChain {
     // How many of the steps that can be taken back stand: done by the sort or a redo and not undone since, or undone
     // and not redone since.
     size_t CountStanding(BatchKind by) const;
-    // The batch (header, folders, items, steps; not yet planned) that takes back what stands: an undo of what the sort
-    // and redos did, or a redo of what undos did. Empty steps when nothing stands.
-    Batch Invert(BatchKind kind, BatchId id) const;
+    // The batch with this header that takes back what stands: for an undo what the sort and redos did, for a redo what
+    // undos did. Not yet planned; without steps when nothing stands.
+    Batch Invert(const BatchHeader& header) const;
 
   private:
     std::vector<std::vector<bool>> FindStanding() const;
 
     std::vector<LoadedBatch> batches_;
 };
+
+// Removes the files that were kept for a batch and the folders they were kept in. Best effort: a volume that is not
+// there keeps what it has.
+void RemoveKeptFiles(Sys& sys, Batch batch);
 
 // Removes the files that were kept for a chain, then its journals, the newest first, so that a crash in between leaves
 // a chain that can still be read. The caller holds the chain's lock.

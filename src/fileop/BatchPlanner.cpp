@@ -259,11 +259,11 @@ uint32_t BatchPlanner::KeptFolderFor(uint32_t targetFolder) {
     const Result<uint32_t> journals = folders_.AddByPath(services_.journalFolder);
     if (journals.ok() && batch_.folders[*journals].device == batch_.folders[targetFolder].device) {
         if (keptBesideJournal_ == kNoIndex) {
-            keptBesideJournal_ = folders_.AddKeepFolder(*journals, KeptFolderName(batch_.header.id));
+            keptBesideJournal_ = folders_.AddKeepFolder(*journals, KeptFolderName(batch_.header));
         }
         return known->second = keptBesideJournal_;
     }
-    return known->second = folders_.AddKeepFolder(targetFolder, ".kinsort-" + KeptFolderName(batch_.header.id));
+    return known->second = folders_.AddKeepFolder(targetFolder, ".kinsort-" + KeptFolderName(batch_.header));
 }
 
 void BatchPlanner::AddDrop(const Place& source, const FileInfo& info, const Place& sameFile) {

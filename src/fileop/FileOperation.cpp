@@ -2,9 +2,24 @@
 
 #include <utility>
 
+#include "fileop/BatchChain.h"
 #include "fileop/BatchSession.h"
+#include "fileop/UndoHistory.h"
 
 namespace kinsort {
+
+namespace {
+
+// So many sorts can be undone; a few more are let pass before the oldest are forgotten, all at once.
+constexpr size_t kKeptSorts = 100;
+constexpr size_t kTidyAt = 200;  // journals, undos and redos included
+
+void TidyHistory(const FileOperationServices& services, JournalStore& store) {
+    const Result<std::vector<BatchId>> ids = store.List();
+    if (ids.ok() && ids->size() >= kTidyAt) (void)UndoHistory(services).Prune(kKeptSorts);  // the next sort tries again
+}
+
+}  // namespace
 
 FileOperation::FileOperation(FileOperationServices services) : services_(std::move(services)) {}
 
@@ -82,8 +97,10 @@ BatchResult FileOperation::PerformOperations(AskUserAction* asker, ProgressSink*
         result.warnings.emplace_back("Some user attributes could not be kept: the target volume does not hold them.");
     SummarizeItems(batch, services_.codec, &planner, result);
     if (batch.steps.empty() || (batch.isEnded && !batch.header.keepForUndo)) {
+        RemoveKeptFiles(services_.sys, batch);
         if (Status removed = store.Remove(created->id); result.status.ok()) result.status = removed;
     }
+    TidyHistory(services_, store);
     return result;
 }
 

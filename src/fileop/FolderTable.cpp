@@ -99,11 +99,18 @@ Result<FileHandle> FolderTable::OpenFresh(uint32_t index) {
 
 Result<FileHandle> FolderTable::OpenOrMakeKeep(const FileHandle& parent, const FolderRecord& folder) {
     Result<FileHandle> handle = sys_.OpenFolderAt(parent, folder.name);
-    if (handle.code() != StatusCode::kNotFound) return handle;
-    if (Status made = sys_.MakeFolderAt(parent, folder.name, 0700); !made.ok() && made.code() != StatusCode::kExists) {
-        return made;
+    if (handle.code() == StatusCode::kNotFound) {
+        const Status made = sys_.MakeFolderAt(parent, folder.name, 0700);
+        if (!made.ok() && made.code() != StatusCode::kExists) return made;
+        handle = sys_.OpenFolderAt(parent, folder.name);
     }
-    return sys_.OpenFolderAt(parent, folder.name);
+    if (!handle.ok()) return handle;
+    // Whoever can write here could take the only copy of a replaced file away.
+    const Result<FileInfo> info = sys_.Stat(*handle);
+    if (!info.ok()) return info.status();
+    constexpr uint32_t kOthers = 0077;
+    const bool isPrivate = info->owner == sys_.UserNumber() && (info->mode & kOthers) == 0;
+    return isPrivate ? std::move(handle) : Result<FileHandle>(Status::Failure(StatusCode::kAccessDenied));
 }
 
 void FolderTable::SetMade(uint32_t index, const FileInfo& info) {

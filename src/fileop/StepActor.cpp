@@ -182,7 +182,10 @@ StepResult StepActor::PublishContent(uint32_t index, PreparedContent& prepared, 
     Folder kept;
     if (StepResult opened = OpenFolder(step.keptFolder, true, kept); !opened.ok()) return opened;
     const std::string keptName = KeptName(index);
-    if (StepResult placed = PlaceContent(index, prepared, *kept, keptName, made); !placed.ok()) return placed;
+    if (StepResult placed = PlaceContent(index, prepared, *kept, keptName, made); !placed.ok()) {
+        // The kept name is nobody's business but ours: asking again about the target would not help.
+        return placed.reason == ItemReason::kTargetTaken ? Failed(placed.status) : placed;
+    }
     StepResult swapped = ExchangeWithKept(index, made);
     // The new copy may go: its source is where it was.
     if (!swapped.ok() && IsStillKept(*kept, index, made)) (void)sys_.RemoveFileAt(*kept, keptName);

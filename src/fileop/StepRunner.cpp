@@ -311,8 +311,10 @@ void StepRunner::SettleFailure(Slot& slot) {
 }
 
 bool StepRunner::TryReplan(Slot& slot) {
+    constexpr uint32_t kMostReplans = 16;  // somebody who takes every new name as well wins in the end
     const auto stepCount = static_cast<uint32_t>(batch_.steps.size());
     Replan decision = Replan::kFailed;
+    if (replans_[slot.index]++ >= kMostReplans) return false;
     if (planner_ != nullptr && slot.result.reason == ItemReason::kTargetTaken &&
         batch_.steps[slot.index].kind != StepKind::kMakeFolder) {
         decision = planner_->ReplanTaken(slot.index);

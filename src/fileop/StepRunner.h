@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <deque>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 #include "fileop/Batch.h"
@@ -84,6 +85,7 @@ class StepRunner {
     bool mustSyncJournal_ = false;     // the plan was changed since the last sync
     bool isPreparedDurable_ = false;   // the last group's identities of prepared contents
     bool isCancelled_ = false;
+    std::unordered_map<uint32_t, uint32_t> replans_;  // how often each step was planned anew
 };
 
 }  // namespace kinsort

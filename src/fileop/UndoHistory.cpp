@@ -96,10 +96,12 @@ BatchResult ChainWork::TurnBack(BatchKind kind, ProgressSink* progress, const Ca
     }
     Result<NewJournal> created = store_.Create();
     if (!created.ok()) return Refused(created.status());
-    Batch batch = chain_->Invert(kind, created->id);
-    batch.header.startedNs = services_.clock.WallNanoseconds();
-    batch.header.user = services_.sys.UserNumber();
-    batch.header.bootId = services_.sys.BootId();
+    BatchHeader header = chain_->sort().header;
+    header.kind = kind;
+    header.id = created->id;
+    header.startedNs = services_.clock.WallNanoseconds();
+    header.bootId = services_.sys.BootId();
+    Batch batch = chain_->Invert(header);
     FolderTable folders(services_.sys, batch.folders);
     for (uint32_t i = 0; i < batch.folders.size(); ++i) {
         // Brings device numbers of an earlier boot up to date; a folder that is gone fails its steps later.
@@ -297,6 +299,19 @@ Status UndoHistory::Prune(size_t keep) {
         Result<BatchChain> chain = BatchChain::Load(store, summary.id, services_.sys.BootId());
         if (!chain.ok() || !chain->CheckTrust().ok() || chain->Unfinished() != nullptr) continue;
         if (Status forgotten = ForgetChain(services_.sys, store, *chain); !forgotten.ok()) return forgotten;
+    }
+    return RemoveNeverBegun(store);
+}
+
+Status UndoHistory::RemoveNeverBegun(JournalStore& store) {
+    const Result<std::vector<BatchId>> ids = store.List();
+    if (!ids.ok()) return ids.status();
+    for (const BatchId id : *ids) {
+        const Result<FileHandle> lock = store.Lock(id);
+        if (!lock.ok()) continue;  // somebody is about to begin
+        const Result<LoadedBatch> loaded = store.Load(id);
+        if (!loaded.ok() || !loaded->isTrusted() || loaded->batch.isPlanned) continue;
+        if (Status removed = store.Remove(id); !removed.ok()) return removed;
     }
     return {};
 }

@@ -10,6 +10,8 @@
 
 namespace kinsort {
 
+class JournalStore;
+
 enum class BatchState : uint8_t {
     kDone,        // ended, can be undone
     kUndone,      // an undo of it ended, can be redone
@@ -60,6 +62,9 @@ class UndoHistory {
     Status Prune(size_t keep);
 
   private:
+    // Removes journals that a crash left before their plan was complete: nothing was done by them.
+    Status RemoveNeverBegun(JournalStore& store);
+
     FileOperationServices services_;
 };
 
