@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include "fileop/Batch.h"
 #include "fileop/BatchWorld_test.h"
 
 namespace kinsort {
@@ -333,6 +334,76 @@ TEST_F(FileOperationTest, JournalSyncsStayFew) {
     const BatchResult copied = world.Run(disk, copies, kSkip);
     EXPECT_EQ(copied.done, copies.size());
     EXPECT_LE(copied.journalSyncs, 2 + copies.size() / 1000 + 1);
+}
+
+TEST_F(FileOperationTest, WithoutUndoNothingIsKeptAndNothingRecorded) {
+    disk.WriteFile("/out/A/a.txt", "old");
+    for (int round = 0; round < 2; ++round) {
+        FileOperation operation(world.ServicesOn(disk));
+        operation.SetPolicy(kAsk);
+        operation.SetOperationFlags(kFofNoConfirmation | kFofNoCopySecurityAttribs);
+        operation.CopyItems(uR"(Z:\in\a.txt)", uR"(Z:\out\A)");
+        ScriptedAsker asker({});
+        EXPECT_EQ(operation.PerformOperations(&asker, nullptr, nullptr).done, 1u);
+        EXPECT_TRUE(asker.asked.empty());
+        EXPECT_EQ(disk.ListTree(BatchWorld::kJournals).size(), 0u);
+    }
+    EXPECT_EQ(disk.ReadFile("/out/A/a.txt"), "AAA");
+}
+
+TEST_F(FileOperationTest, AKeepFolderThatOthersCanReachIsNotUsed) {
+    disk.WriteFile("/usb/U/a.txt", "old");
+    BatchHeader header;
+    header.id = 1;
+    header.user = 1000;
+    header.startedNs = ManualClock().WallNanoseconds();
+    const std::string planted = "/usb/U/.kinsort-" + KeptFolderName(header);
+    disk.MakeFolders(planted, 0777);
+    disk.SetOwnerOf(planted, 1001);
+    const BatchResult result = world.Run(disk, {{false, "/in/a.txt", "/usb/U"}}, kReplace);
+    EXPECT_EQ(result.failed, 1u);
+    EXPECT_EQ(result.reports.at(0).status.code(), StatusCode::kAccessDenied);
+    EXPECT_EQ(disk.ReadFile("/usb/U/a.txt"), "old");
+    EXPECT_TRUE(disk.ListTree(planted).empty());
+}
+
+TEST_F(FileOperationTest, PruningForgetsTheOldestAndWhatWasKeptForThem) {
+    disk.WriteFile("/out/A/a.txt", "first");
+    for (const char* content : {"second", "third", "fourth"}) {
+        disk.WriteFile("/in/a.txt", content);
+        EXPECT_EQ(world.Run(disk, {{false, "/in/a.txt", "/out/A"}}, kReplace).done, 1u);
+    }
+    ASSERT_EQ(world.List(disk).size(), 3u);
+    EXPECT_TRUE(UndoHistory(world.ServicesOn(disk)).Prune(1).ok());
+    ASSERT_EQ(world.List(disk).size(), 1u);
+    EXPECT_EQ(disk.ListTree(BatchWorld::kJournals).size(), 3u) << "one journal, one kept folder, one kept file";
+    EXPECT_EQ(world.Undo(disk).done, 1u);
+    EXPECT_EQ(disk.ReadFile("/out/A/a.txt"), "third");
+}
+
+TEST_F(FileOperationTest, ACancelLeavesWholeItemsThatCanBeUndone) {
+    MemorySys inner;
+    BatchWorld::Prepare(inner);
+    std::vector<Job> jobs;
+    for (int i = 0; i < 3000; ++i) {
+        const std::string path = "/in/" + std::to_string(i);
+        inner.WriteFile(path, "content " + std::to_string(i));
+        jobs.push_back({i % 2 == 0, path, "/out/A"});
+    }
+    inner.MakeFolders("/out/A");
+    const std::string before = BatchWorld::Snapshot(inner, false);
+    for (const uint64_t at : {1u, 700u, 1400u}) {
+        CancelToken cancel;
+        FaultSys sys(inner);
+        sys.AtKind(SysCall::kRead, at, Fault::Hook([&cancel] { cancel.Cancel(); }));
+        const BatchResult result = world.Run(sys, jobs, kSkip, nullptr, &cancel);
+        EXPECT_TRUE(result.cancelled);
+        EXPECT_EQ(result.failed, 0u);
+        EXPECT_EQ(result.done + result.notReached, jobs.size());
+        EXPECT_LT(result.done, jobs.size());
+        EXPECT_EQ(world.Undo(inner).failed, 0u);
+        EXPECT_EQ(BatchWorld::Snapshot(inner, false), before) << at;
+    }
 }
 
 }  // namespace
