@@ -9,7 +9,7 @@
 #include "platform/fake/FakeEnvironment.h"
 #include "platform/fake/FakeSharedMemory.h"
 #include "platform/linux/LinuxSharedMemory.h"
-#include "platform/linux/TemporaryFolder.h"
+#include "platform/linux/TemporaryFolder_test.h"
 #include "text/Numbers.h"
 
 namespace kinsort {

@@ -1,8 +1,9 @@
-// An open file descriptor that is closed when its owner goes.
+// An open file descriptor that is closed when its owner goes; closing leaves errno as it was.
 #pragma once
 
 #include <utility>
 
+#include <errno.h>
 #include <unistd.h>
 
 namespace kinsort {
@@ -25,7 +26,10 @@ class Descriptor {
     int get() const { return number_; }
     int Release() { return std::exchange(number_, -1); }
     void Close() {
-        if (number_ >= 0) close(Release());
+        if (number_ < 0) return;
+        const int saved = errno;
+        close(Release());
+        errno = saved;
     }
 
   private:

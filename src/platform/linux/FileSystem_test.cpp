@@ -12,7 +12,7 @@
 #include "platform/fake/MemoryFileSystem.h"
 #include "platform/linux/LinuxFileSystem.h"
 #include "platform/linux/LinuxPathCodec.h"
-#include "platform/linux/TemporaryFolder.h"
+#include "platform/linux/TemporaryFolder_test.h"
 
 namespace kinsort {
 namespace {

@@ -14,30 +14,11 @@
 #include <sys/syscall.h>
 #include <unistd.h>
 
+#include "platform/linux/Descriptor.h"
 #include "platform/linux/LinuxError.h"
 
 namespace kinsort {
 namespace {
-
-// A descriptor of this file's own, closed when it goes; errno stays what it was.
-class Descriptor {
-  public:
-    explicit Descriptor(int number) : number_(number) {}
-    Descriptor(const Descriptor&) = delete;
-    Descriptor& operator=(const Descriptor&) = delete;
-    ~Descriptor() { Reset(-1); }
-    int get() const { return number_; }
-    int Release() { return std::exchange(number_, -1); }
-    void Reset(int number) {
-        const int saved = errno;
-        if (number_ >= 0) close(number_);
-        number_ = number;
-        errno = saved;
-    }
-
-  private:
-    int number_;
-};
 
 long CallOpenat2(int folder, const char* name, int flags, unsigned mode) {
     open_how how = {};
@@ -159,7 +140,7 @@ int OpenFolderByPath(std::string_view path) {
         const int access = last ? O_RDONLY : O_PATH;
         const int next = openat(current.get(), text.c_str(), access | O_DIRECTORY | O_CLOEXEC);
         if (last || next < 0) return next;
-        current.Reset(next);
+        current = Descriptor(next);
         path.remove_prefix(chunk.size());
         path.remove_prefix(std::min(path.find_first_not_of('/'), path.size()));
         if (path.empty()) path = ".";
@@ -179,7 +160,7 @@ Result<std::string> PathOfFolder(int folder) {
         const std::string name = NameInParent(current.get(), parent.get());
         if (name.empty()) return StatusFromErrno(errno);
         below.insert(0, "/" + name);
-        current.Reset(parent.Release());
+        current = std::move(parent);
     }
 }
 
@@ -193,7 +174,7 @@ bool LiesInside(int folder, int holder, const char* name) {
         Descriptor parent(openat(current.get(), "..", O_PATH | O_DIRECTORY | O_CLOEXEC));
         struct stat above;
         if (parent.get() < 0 || fstat(parent.get(), &above) != 0 || SameInode(info, above)) return false;
-        current.Reset(parent.Release());
+        current = std::move(parent);
     }
     return false;
 }

@@ -7,7 +7,7 @@
 
 #include <gtest/gtest.h>
 
-#include "platform/linux/TemporaryFolder.h"
+#include "platform/linux/TemporaryFolder_test.h"
 
 namespace kinsort {
 namespace {

@@ -13,7 +13,7 @@
 
 #include "platform/linux/LinuxFileSystem.h"
 #include "platform/linux/LinuxPathCodec.h"
-#include "platform/linux/TemporaryFolder.h"
+#include "platform/linux/TemporaryFolder_test.h"
 #include "text/Utf8.h"
 
 namespace kinsort {

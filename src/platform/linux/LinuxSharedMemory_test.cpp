@@ -18,7 +18,7 @@
 
 #include "platform/linux/LinuxEnvironment.h"
 #include "platform/linux/RuntimeFolder.h"
-#include "platform/linux/TemporaryFolder.h"
+#include "platform/linux/TemporaryFolder_test.h"
 
 namespace kinsort {
 namespace {

@@ -1,3 +1,0 @@
-add_executable(bench_matching Matching.cpp MatchingNames.cpp)
-target_compile_definitions(bench_matching PRIVATE KINSORT_MATCHING_PEER="${CMAKE_CURRENT_SOURCE_DIR}/matching_peer.py")
-target_link_libraries(bench_matching PRIVATE kinsort_classify kinsort_linux_locale)

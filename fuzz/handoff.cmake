@@ -1,3 +1,0 @@
-add_executable(HandOffBlock_fuzz HandOffBlock_fuzz.cpp)
-target_link_libraries(HandOffBlock_fuzz PRIVATE kinsort_hostlink kinsort_fake_handoff)
-target_link_options(HandOffBlock_fuzz PRIVATE -fsanitize=fuzzer)

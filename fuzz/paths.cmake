@@ -1,3 +1,0 @@
-add_executable(PathCodec_fuzz PathCodec_fuzz.cpp)
-target_link_libraries(PathCodec_fuzz PRIVATE kinsort_linux_paths)
-target_link_options(PathCodec_fuzz PRIVATE -fsanitize=fuzzer)

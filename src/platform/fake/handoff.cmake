@@ -1,1 +1,0 @@
-kinsort_library(fake_handoff SOURCES FakeSharedMemory.cpp DEPS kinsort_platform)

@@ -1,1 +1,0 @@
-kinsort_library(fake_locale DEPS kinsort_platform)

@@ -1,1 +1,0 @@
-kinsort_library(fake_paths SOURCES MemoryFileSystem.cpp DEPS kinsort_platform)

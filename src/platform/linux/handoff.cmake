@@ -1,3 +1,0 @@
-kinsort_library(linux_handoff SOURCES LinuxEnvironment.cpp LinuxSharedMemory.cpp RuntimeFolder.cpp
-  DEPS kinsort_platform kinsort_linux_error)
-kinsort_test(LinuxSharedMemory_test SOURCES LinuxSharedMemory_test.cpp DEPS kinsort_linux_handoff)

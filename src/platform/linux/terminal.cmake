@@ -1,3 +1,0 @@
-add_library(kinsort_linux_terminal STATIC LinuxTerminal.cpp)
-target_link_libraries(kinsort_linux_terminal PUBLIC kinsort_platform kinsort_linux_error PRIVATE ICU::uc)
-kinsort_test(LinuxTerminal_test SOURCES LinuxTerminal_test.cpp DEPS kinsort_linux_terminal)
