@@ -3,10 +3,12 @@
 #include <algorithm>
 #include <optional>
 
-#include "cli/FileUri.h"
 #include "cli/ShownText.h"
 #include "cli/Texts.h"
+#include "framework/TypedPath.h"
+#include "text/AsciiCase.h"
 #include "text/PathSyntax.h"
+#include "text/Utf8.h"
 
 namespace kinsort {
 namespace {
@@ -88,16 +90,18 @@ std::vector<std::string> SplitItemList(std::string_view content) {
     return items;
 }
 
-std::string NativeOfTyped(std::string_view typed, std::string_view home) {
-    if (IsFileUri(typed)) return PathOfFileUri(typed).value_or("");
-    if (typed.starts_with("~/") && !home.empty()) return std::string(home) + std::string(typed.substr(1));
-    return std::string(typed);
-}
-
 Result<std::u16string> ResolveTyped(CliContext& context, std::string_view typed) {
-    const std::string native = NativeOfTyped(typed, context.services.environment("HOME"));
-    if (native.empty()) return Status::Failure(StatusCode::kInvalid);
-    return context.services.files.ResolveFullPath(context.services.codec.PathToInner(native));
+    const PathCodec& codec = context.services.codec;
+    // A shell hands over the names of files as they are, also one like "file:x" or "C:\x"; only what cannot be meant
+    // as such a name is read as an address.
+    TypedPath path;
+    if (typed.empty() || StartsWithNoCase(FromUtf8(typed), u"file:/") || typed.starts_with("~/")) {
+        path = InnerPathFromTyped(typed, context.services.environment("HOME"), codec);
+    } else {
+        path.inner = codec.PathToInner(typed);
+    }
+    if (!path.ok()) return Status::Failure(StatusCode::kInvalid, 0, FromUtf8(DescribeProblem(path.problem)));
+    return context.services.files.ResolveFullPath(path.inner);
 }
 
 ItemList CollectItems(CliContext& context, const CommandLine& line) {

@@ -15,10 +15,6 @@ namespace kinsort {
 // one.
 std::vector<std::string> SplitItemList(std::string_view content);
 
-// What the user wrote for a path: a file:// address, a path below "~/" when `home` is known, or a native path.
-// Empty when it is an address that names no local file.
-std::string NativeOfTyped(std::string_view typed, std::string_view home);
-
 struct MissingItem {
     std::string typed;       // as the user or the host wrote it
     std::string nativePath;  // absolute where it could be resolved
@@ -42,7 +38,8 @@ struct ItemList {
 // Collects the items. Nothing is said about missing ones.
 ItemList CollectItems(CliContext& context, const CommandLine& line);
 
-// The absolute inner form of a path that the user typed.
+// The absolute inner form of what the user wrote for a path: a file:/ address, a path below "~/", or a native path.
+// kInvalid, with a text that says why, for an address that names no local file.
 Result<std::u16string> ResolveTyped(CliContext& context, std::string_view typed);
 
 }  // namespace kinsort

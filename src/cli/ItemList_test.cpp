@@ -4,6 +4,7 @@
 
 #include "cli/CliFixture_test.h"
 #include "cli/FileUri.h"
+#include "cli/Texts.h"
 
 namespace kinsort {
 namespace {
@@ -27,42 +28,6 @@ TEST(SplitItemList, TellsLinesFromNulEndedItems) {
                             "\xEF\xBB\xBF"
                             "c"));
     EXPECT_THAT(SplitItemList("\0"sv), IsEmpty());
-}
-
-TEST(NativeOfTyped, UnderstandsAddressesAndTheHomeFolder) {
-    const std::pair<std::string, std::string> cases[] = {
-        {"a", "a"},
-        {"/a b", "/a b"},
-        {"~/x", "/home/me/x"},
-        {"~", "~"},
-        {"~other/x", "~other/x"},
-        {"./~/x", "./~/x"},
-        {"file:///a%20b/%E3%81%82%ff", "/a b/\xE3\x81\x82\xFF"},
-        {"file://localhost/a", "/a"},
-        {"file:/a+b", "/a+b"},
-        {"file:a", "file:a"},  // a file of that name
-        // No local file:
-        {"file://server/a", ""},
-        {"file:///a%0", ""},
-        {"file:///a%zz", ""},
-        {"file:///a%00b", ""},
-        {"file:///a?x", ""},
-        {"file:///a#x", ""},
-    };
-    for (const auto& [typed, native] : cases)
-        EXPECT_EQ(NativeOfTyped(typed, "/home/me"), native) << typed;
-    EXPECT_EQ(NativeOfTyped("~/x", ""), "~/x");
-}
-
-TEST(FileUri, EveryPathComesBack) {
-    std::string path;
-    for (int byte = 1; byte < 256; ++byte)
-        path += {'/', static_cast<char>(byte)};
-    const std::string uri = FileUriOfPath(path);
-    EXPECT_EQ(PathOfFileUri(uri), path);
-    for (const char c : uri)
-        EXPECT_TRUE(c > 0x20 && c < 0x7F) << uri;
-    EXPECT_EQ(FileUriOfPath("/a b"), "file:///a%20b");
 }
 
 class CollectItemsTest : public testing::Test {
@@ -99,6 +64,43 @@ TEST_F(CollectItemsTest, KeepsTheOrderAndReportsBadLists) {
     EXPECT_EQ(Collect({"-f", "gone"}).source, ItemSource::kFailed);
     EXPECT_EQ(fixture_.terminal.messages,
               "kinsort: --files-from gone: it does not exist; check the name and the folder\n");
+}
+
+TEST_F(CollectItemsTest, ReadsAddressesAndTheHomeFolderButLeavesNamesAlone) {
+    fixture_.environment["HOME"] = "/home/me";
+    CliContext context(fixture_.services);
+    const std::pair<std::string, std::u16string> cases[] = {
+        {"/a b", u"Z:\\a b"},
+        {"~/x", u"Z:\\home\\me\\x"},
+        {"/d/~/x", u"Z:\\d\\~\\x"},
+        {"file:///a%20b/%E3%81%82%ff", u"Z:\\a b\\\u3042\xDCFF"},
+        {"FILE://localhost/a", u"Z:\\a"},
+    };
+    for (const auto& [typed, inner] : cases)
+        EXPECT_EQ(*ResolveTyped(context, typed), inner) << typed;
+    const std::pair<std::string, std::u16string> names[] = {
+        {"file:x", u"file:x"}, {"C:\\x", u"C:\uF05Cx"}, {"~", u"~"}, {"~other", u"~other"}};
+    for (const auto& [typed, name] : names)
+        EXPECT_TRUE(ResolveTyped(context, typed)->ends_with(u"\\" + name)) << typed;
+    const std::pair<std::string, std::string> bad[] = {
+        {"", "The path is empty. Give a file or folder."},
+        {"file://server/a", "The URI names another computer. Mount its folder and give the path here."},
+        {"file:///a%2", "A '%' in the URI is not followed by two hexadecimal digits. Write %25 for the sign itself."},
+    };
+    for (const auto& [typed, text] : bad)
+        EXPECT_EQ(StatusText(ResolveTyped(context, typed).status()), text) << typed;
+}
+
+TEST_F(CollectItemsTest, EveryPathComesBackFromItsAddress) {
+    CliContext context(fixture_.services);
+    std::string path;
+    for (int byte = 1; byte < 256; ++byte) {
+        if (byte != '/' && byte != '.') path += {'/', static_cast<char>(byte)};
+    }
+    const std::string uri = FileUriOfPath(path);
+    for (const char c : uri)
+        EXPECT_TRUE(c > 0x20 && c < 0x7F) << uri;
+    EXPECT_EQ(context.NativePath(*ResolveTyped(context, uri)), path);
 }
 
 }  // namespace

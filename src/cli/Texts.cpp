@@ -114,6 +114,8 @@ const ActionRow& RowOf(BatchAction action) {
 }  // namespace
 
 std::string StatusText(const Status& status) {
+    // A failure of our own that brings its text knows best.
+    if (status.systemCode() == 0 && !status.systemText().empty()) return ShownText(ToUtf8(status.systemText()));
     const std::string_view text = kStatusRows[static_cast<size_t>(status.code())].text;
     if (!text.empty()) return std::string(text);
     if (!status.systemText().empty()) return "the system says: " + ShownText(ToUtf8(status.systemText()));
