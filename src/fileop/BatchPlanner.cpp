@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "fileop/FreeName.h"
+#include "fileop/Parallel.h"
 
 namespace kinsort {
 
@@ -46,51 +47,83 @@ BatchPlanner::BatchPlanner(const FileOperationServices& services, Batch& batch, 
                            ConflictResolver& resolver)
     : services_(services), batch_(batch), folders_(folders), resolver_(resolver) {}
 
-bool BatchPlanner::PlanItem(const std::u16string& sourcePath, const std::u16string& destinationFolder, bool isMove) {
+bool BatchPlanner::PlanItems(std::span<const ItemRequest> requests, unsigned threads,
+                             const std::function<bool(const ItemRequest&)>& goesOn) {
+    constexpr size_t kBlock = 4096;  // enough to keep the threads busy, little enough to hold
+    while (!requests.empty()) {
+        const auto block = requests.first(std::min(requests.size(), kBlock));
+        requests = requests.subspan(block.size());
+        std::vector<Looked> looked(block.size());
+        for (size_t i = 0; i < block.size(); ++i) {
+            Resolve(block[i], looked[i]);
+        }
+        const auto look = [&](size_t i) { LookAt(looked[i]); };
+        ForEachParallel(block.size(), threads, look, [] {});
+        for (size_t i = 0; i < block.size(); ++i) {
+            if (!goesOn(block[i]) || !PlanItem(block[i], looked[i])) return false;
+        }
+    }
+    return true;
+}
+
+void BatchPlanner::Resolve(const ItemRequest& request, Looked& looked) {
+    const Result<Place> source = ResolveSource(request.source);
+    if (!source.ok()) {
+        looked.info = source.status();
+        return;
+    }
+    looked.source = *source;
+    if (request.destination != lastDestination_ || lastDestination_.empty()) {
+        const Result<std::string> stored = services_.codec.PathToStored(request.destination);
+        lastDestinationFolder_ = stored.ok() ? folders_.AddByPath(*stored) : Result<uint32_t>(stored.status());
+        lastDestination_ = request.destination;
+    }
+    looked.destination = lastDestinationFolder_;
+}
+
+void BatchPlanner::LookAt(Looked& looked) {
+    if (looked.source.folder == kNoIndex || !looked.destination.ok()) return;
+    looked.info = StatAt(looked.source);
+    if (looked.info.ok()) looked.there = StatAt({*looked.destination, looked.source.name});
+}
+
+Result<FileInfo> BatchPlanner::StatAt(const Place& place) {
+    const auto folder = folders_.Open(place.folder);
+    return folder.ok() ? services_.sys.StatAt(**folder, place.name) : Result<FileInfo>(folder.status());
+}
+
+bool BatchPlanner::PlanItem(const ItemRequest& request, const Looked& looked) {
     item_ = batch_.items.size();
-    batch_.items.push_back({.source = {}, .destination = kNoIndex, .isMove = isMove});
+    batch_.items.push_back({.source = looked.source, .destination = kNoIndex, .isMove = request.isMove});
     refusals_.emplace_back();
     refusals_[item_].item = item_;
-    refusals_[item_].source = sourcePath;
-
-    const Result<Place> source = ResolveSource(sourcePath);
-    if (!source.ok()) {
-        const bool isGone = source.code() == StatusCode::kNotFound;
+    refusals_[item_].source = request.source;
+    if (!looked.destination.ok()) {
+        Refuse(ItemOutcome::kFailed, ItemReason::kSystem, looked.destination.status().At(request.destination));
+        return true;
+    }
+    if (!looked.info.ok()) {
+        const bool isGone = looked.info.code() == StatusCode::kNotFound;
         Refuse(ItemOutcome::kFailed, isGone ? ItemReason::kSourceGone : ItemReason::kSystem,
-               source.status().At(sourcePath));
+               looked.info.status().At(request.source));
         return true;
     }
-    batch_.items[item_].source = *source;
-    const Result<std::string> stored = services_.codec.PathToStored(destinationFolder);
-    const Result<uint32_t> folder = stored.ok() ? folders_.AddByPath(*stored) : Result<uint32_t>(stored.status());
-    if (!folder.ok()) {
-        Refuse(ItemOutcome::kFailed, ItemReason::kSystem, folder.status().At(destinationFolder));
-        return true;
-    }
-    batch_.items[item_].destination = *folder;
-
-    const auto parent = folders_.Open(source->folder);
-    const Result<FileInfo> info =
-        parent.ok() ? services_.sys.StatAt(**parent, source->name) : Result<FileInfo>(parent.status());
-    if (!info.ok()) {
-        const bool isGone = info.code() == StatusCode::kNotFound;
-        Refuse(ItemOutcome::kFailed, isGone ? ItemReason::kSourceGone : ItemReason::kSystem,
-               info.status().At(sourcePath));
-        return true;
-    }
-    if (!plannedSources_.insert(KeyOf(source->folder, source->name)).second) {
+    const FileInfo& info = *looked.info;
+    const uint32_t folder = *looked.destination;
+    batch_.items[item_].destination = folder;
+    if (!plannedSources_.insert(KeyOf(looked.source.folder, looked.source.name)).second) {
         Refuse(ItemOutcome::kSkipped, ItemReason::kDuplicate);
         return true;
     }
-    if (info->kind == FileKind::kFolder && LiesInside(*folder, *info)) {
+    if (info.kind == FileKind::kFolder && LiesInside(folder, info)) {
         Refuse(ItemOutcome::kFailed, ItemReason::kIntoItself);
         return true;
     }
-    if (info->kind == FileKind::kOther && (!isMove || !folders_.IsOnVolumeOf(*folder, *info))) {
+    if (info.kind == FileKind::kOther && (!request.isMove || !folders_.IsOnVolumeOf(folder, info))) {
         Refuse(ItemOutcome::kSkipped, ItemReason::kSpecialFile);
         return true;
     }
-    return AddSteps(*source, *info, *folder, isMove);
+    return AddSteps(looked.source, info, folder, request.isMove, &looked.there);
 }
 
 void BatchPlanner::Refuse(ItemOutcome outcome, ItemReason reason, Status status) {
@@ -138,9 +171,10 @@ bool BatchPlanner::LiesInside(uint32_t folder, const FileInfo& ancestor) {
     return false;
 }
 
-bool BatchPlanner::AddSteps(const Place& source, const FileInfo& info, uint32_t folder, bool isMove) {
+bool BatchPlanner::AddSteps(const Place& source, const FileInfo& info, uint32_t folder, bool isMove,
+                            const Result<FileInfo>* there) {
     Target target;
-    switch (ChooseTarget(source, info, folder, isMove, target)) {
+    switch (ChooseTarget(source, info, folder, isMove, there, target)) {
         case Choice::kCancel:
             return false;
         case Choice::kSkip:
@@ -173,15 +207,12 @@ uint32_t BatchPlanner::AddStep(StepKind kind, const Place& source, const FileIde
 }
 
 BatchPlanner::Choice BatchPlanner::ChooseTarget(const Place& source, const FileInfo& info, uint32_t folder, bool isMove,
-                                                Target& target) {
+                                                const Result<FileInfo>* known, Target& target) {
     target.place = {folder, source.name};
     target.kind = PlainKind(isMove, folders_.IsOnVolumeOf(folder, info));
     const bool isNewFolder = batch_.folders[folder].inode == 0;
     Result<FileInfo> there = Status::Failure(StatusCode::kNotFound);
-    if (!isNewFolder) {
-        const auto opened = folders_.Open(folder);
-        there = opened.ok() ? services_.sys.StatAt(**opened, source.name) : Result<FileInfo>(opened.status());
-    }
+    if (!isNewFolder) there = known != nullptr ? *known : StatAt(target.place);
     if (!there.ok() && there.code() != StatusCode::kNotFound) {
         Refuse(ItemOutcome::kFailed, ItemReason::kSystem,
                there.status().At(InnerPathOf(services_.codec, batch_.folders, target.place)));
@@ -277,9 +308,7 @@ bool BatchPlanner::AddFolder(const Place& source, const FileInfo& info, const Ta
         batch_.steps[AddStep(StepKind::kMakeFolder, source, FileIdentity::Of(info), target.place)].mode = info.mode;
         return AddContents(source, info, target.place, nullptr, isMove);
     }
-    const auto parent = folders_.Open(target.place.folder);
-    const Result<FileInfo> there =
-        parent.ok() ? services_.sys.StatAt(**parent, target.place.name) : Result<FileInfo>(parent.status());
+    const Result<FileInfo> there = StatAt(target.place);
     if (!there.ok()) {
         Refuse(ItemOutcome::kFailed, ItemReason::kSystem, there.status());
         return true;
@@ -298,13 +327,11 @@ bool BatchPlanner::AddContents(const Place& source, const FileInfo& info, const 
     }
     for (const std::string& name : names) {
         const Place place{from, name};
-        const auto folder = folders_.Open(from);
-        const Result<FileInfo> child =
-            folder.ok() ? services_.sys.StatAt(**folder, name) : Result<FileInfo>(folder.status());
+        const Result<FileInfo> child = StatAt(place);
         if (!child.ok()) {
             Refuse(ItemOutcome::kFailed, ItemReason::kSystem,
                    child.status().At(InnerPathOf(services_.codec, batch_.folders, place)));
-        } else if (!AddSteps(place, *child, to, isMove)) {
+        } else if (!AddSteps(place, *child, to, isMove, nullptr)) {
             return false;
         }
     }
@@ -328,11 +355,8 @@ Status BatchPlanner::ListNames(uint32_t folder, std::vector<std::string>& names)
 
 Replan BatchPlanner::ReplanTaken(uint32_t index) {
     Step& step = batch_.steps[index];
-    const auto sourceFolder = folders_.Open(step.source.folder);
-    const auto targetFolder = folders_.Open(step.target.folder);
-    if (!sourceFolder.ok() || !targetFolder.ok()) return Replan::kFailed;
-    const Result<FileInfo> info = services_.sys.StatAt(**sourceFolder, step.source.name);
-    const Result<FileInfo> there = services_.sys.StatAt(**targetFolder, step.target.name);
+    const Result<FileInfo> info = StatAt(step.source);
+    const Result<FileInfo> there = StatAt(step.target);
     if (!info.ok()) return Replan::kFailed;
     if (there.code() == StatusCode::kNotFound) return Replan::kAgain;
     if (!there.ok()) return Replan::kFailed;
@@ -367,9 +391,7 @@ Replan BatchPlanner::ReplanAsTransfer(uint32_t index) {
         batch_.steps[index].kind = IsReplace(step.kind) ? StepKind::kTransferReplace : StepKind::kTransfer;
         return Replan::kAgain;
     }
-    const auto folder = folders_.Open(step.source.folder);
-    const Result<FileInfo> info =
-        folder.ok() ? services_.sys.StatAt(**folder, step.source.name) : Result<FileInfo>(folder.status());
+    const Result<FileInfo> info = StatAt(step.source);
     if (!info.ok()) return Replan::kFailed;
     item_ = step.item;
     batch_.steps[index].kind = StepKind::kMakeFolder;

@@ -2,6 +2,8 @@
 // outside is changed by planning.
 #pragma once
 
+#include <functional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -23,8 +25,10 @@ class BatchPlanner {
     // its volume.
     BatchPlanner(const FileOperationServices& services, Batch& batch, FolderTable& folders, ConflictResolver& resolver);
 
-    // Adds the steps for one item. A refusal is written into the item's report. False when the user cancelled.
-    bool PlanItem(const std::u16string& sourcePath, const std::u16string& destinationFolder, bool isMove);
+    // Adds the steps for all items; looks at them on up to `threads` threads. A refusal is written into the item's
+    // report. False when the user cancelled in a question, or when `goesOn`, called before each item, says so.
+    bool PlanItems(std::span<const ItemRequest> requests, unsigned threads,
+                   const std::function<bool(const ItemRequest&)>& goesOn);
     // An item's refusal, kNone when it has steps.
     const ItemReport& refusal(size_t item) const { return refusals_[item]; }
 
@@ -42,18 +46,31 @@ class BatchPlanner {
         FileIdentity replaced;
         bool isMerge = false;
     };
+    // What one look at an item found, before anything is decided.
+    struct Looked {
+        Place source;
+        Result<uint32_t> destination = kNoIndex;
+        Result<FileInfo> info = Status::Failure(StatusCode::kNotFound);   // of the source
+        Result<FileInfo> there = Status::Failure(StatusCode::kNotFound);  // what has its name in the destination
+    };
     enum class Choice : uint8_t { kGo, kSkip, kCancel };
 
     void Refuse(ItemOutcome outcome, ItemReason reason, Status status = {});
+    void Resolve(const ItemRequest& request, Looked& looked);
+    void LookAt(Looked& looked);  // on any thread
+    bool PlanItem(const ItemRequest& request, const Looked& looked);
+    Result<FileInfo> StatAt(const Place& place);
     Result<Place> ResolveSource(const std::u16string& path);
-    // Chooses the target name of something called `name`, asking when it is taken.
-    Choice ChooseTarget(const Place& source, const FileInfo& info, uint32_t folder, bool isMove, Target& target);
+    // Chooses the target name of a source, asking when it is taken. `known` is what stands there, null to look now.
+    Choice ChooseTarget(const Place& source, const FileInfo& info, uint32_t folder, bool isMove,
+                        const Result<FileInfo>* known, Target& target);
     Choice ResolveConflict(const Place& source, const FileInfo& info, const FileInfo* there, Target& target);
     std::string FreeNameIn(uint32_t folder, const std::string& name, FileKind kind);
     uint32_t KeptFolderFor(uint32_t targetFolder);
     bool LiesInside(uint32_t folder, const FileInfo& ancestor);
     // Adds the steps that place one file or folder; false on cancel.
-    bool AddSteps(const Place& source, const FileInfo& info, uint32_t folder, bool isMove);
+    bool AddSteps(const Place& source, const FileInfo& info, uint32_t folder, bool isMove,
+                  const Result<FileInfo>* there);
     bool AddFolder(const Place& source, const FileInfo& info, const Target& target, bool isMove);
     // The contents of a folder, then what finishes it; `targetInfo` is null for a folder that a step makes.
     bool AddContents(const Place& source, const FileInfo& info, const Place& target, const FileInfo* targetInfo,
@@ -75,6 +92,8 @@ class BatchPlanner {
     std::unordered_set<std::string> plannedSources_;
     std::unordered_map<std::string, uint32_t> plannedTargets_;  // key of the place to the step that fills it
     std::unordered_map<uint32_t, uint32_t> keptFolders_;        // target folder to kept folder
+    std::u16string lastDestination_;                            // items of one folder tend to follow each other
+    Result<uint32_t> lastDestinationFolder_ = kNoIndex;
     uint32_t keptBesideJournal_ = kNoIndex;
 };
 

@@ -67,13 +67,11 @@ BatchResult FileOperation::PerformOperations(AskUserAction* asker, ProgressSink*
     ConflictResolver resolver(noConfirmation ? ConflictAnswer::kReplace : policy_.conflicts, asker);
     BatchPlanner planner(services_, batch, folders, resolver);
 
-    bool goesOn = true;
-    for (const Request& request : requests_) {
-        if (!goesOn || token.isCancelled()) break;
-        goesOn = planner.PlanItem(request.source, request.destination, request.isMove);
+    const bool isPlanned = planner.PlanItems(requests_, policy_.threads, [&](const ItemRequest& request) {
         meter.Tick([&] { return request.source; });
-    }
-    if (!goesOn || token.isCancelled()) {
+        return !token.isCancelled();
+    });
+    if (!isPlanned || token.isCancelled()) {
         // Nothing was touched yet, so nothing is what a cancel leaves.
         result.cancelled = true;
         result.notReached = requests_.size();

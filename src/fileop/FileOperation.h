@@ -94,6 +94,13 @@ struct BatchResult {
     uint64_t journalSyncs = 0;          // how often the journal was made durable
 };
 
+// One queued item: paths in the inner form, the destination an existing folder.
+struct ItemRequest {
+    std::u16string source;
+    std::u16string destination;
+    bool isMove = false;
+};
+
 // Not thread-safe: one thread queues and performs; cancel may come from any.
 class FileOperation {
   public:
@@ -114,15 +121,10 @@ class FileOperation {
     BatchResult PerformOperations(AskUserAction* asker, ProgressSink* progress, const CancelToken* cancel);
 
   private:
-    struct Request {
-        std::u16string source;
-        std::u16string destination;
-        bool isMove;
-    };
     FileOperationServices services_;
     OperationPolicy policy_;
     uint32_t flags_ = kFofAllowUndo | kFofNoCopySecurityAttribs | kFofNoConnectedElements;
-    std::vector<Request> requests_;
+    std::vector<ItemRequest> requests_;
 };
 
 }  // namespace kinsort

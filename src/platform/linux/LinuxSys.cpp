@@ -400,6 +400,9 @@ void PrepareLinuxProcess() {
         files.rlim_cur = files.rlim_max;
         (void)setrlimit(RLIMIT_NOFILE, &files);
     }
+    // A table of descriptors that grows while threads share it waits for all processors each time: let it grow now.
+    constexpr int kManyFiles = 2048;
+    if (const int high = fcntl(STDIN_FILENO, F_DUPFD_CLOEXEC, kManyFiles); high >= 0) close(high);
     (void)signal(SIGXFSZ, SIG_IGN);
     (void)signal(SIGPIPE, SIG_IGN);
 }
