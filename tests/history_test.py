@@ -96,6 +96,34 @@ class History(Workshop):
                 hits += self.check_recovery(option, os.path.join(self.top, home))
         self.assertGreater(hits, 0, "no kill came in time: the test did not test anything; raise the count")
 
+    def test_undo_without_a_number_does_not_pass_over_an_interrupted_batch(self):
+        torn = []
+        for _ in range(5):  # a kill can come too late
+            self.setUp()
+            self.make_folders("beta")
+            older = self.sort_one("beta")
+            self.kill_while_sorting(1500)
+            torn = [row for row in self.run_json("history") if row["state"] == "unfinished"]
+            if torn:
+                break
+        self.assertTrue(torn, "no kill came in time: the test did not test anything; raise the count")
+        before = snapshot(self.top)
+        refused = self.run_kinsort("undo", code=3).messages
+        self.assertIn(f"nothing was changed; for batch {older} all the same: kinsort undo {older}\n", refused)
+        self.assertEqual(snapshot(self.top), before)
+
+    def test_undo_says_what_comes_after_a_batch_that_is_stuck(self):
+        self.make_folders("alpha", "beta")
+        first = self.sort_one("alpha")
+        second = self.sort_one("beta")
+        self.make_file(self.target, "beta/beta", b"edited")
+        stuck = self.run_kinsort("undo", code=3)
+        self.assertTrue(stuck.messages.startswith(f"kinsort: {self.target}/beta/beta: not taken back: it was changed "),
+                        stuck.messages)
+        self.assertTrue(stuck.messages.endswith(f"\nkinsort: nothing more of batch {second} can be taken back as things "
+                                                f"are; the next one would be: kinsort undo {first}\n"), stuck.messages)
+        self.run_kinsort("undo", str(first))
+
     def test_recover_can_leave_it(self):
         self.kill_while_sorting(1500)
         torn = [row for row in self.run_json("history") if row["state"] == "unfinished"]

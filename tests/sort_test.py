@@ -117,6 +117,25 @@ class Sort(Workshop):
         self.assertEqual(self.sort("--move", "--dry-run", *self.items()).messages, "kinsort: nothing was changed\n")
         self.assertEqual(snapshot(self.top), before)
 
+    def test_dry_run_tells_what_would_become_of_taken_names(self):
+        self.conflict()
+        self.make_file(self.source, "other/alpha.txt")
+        items = [*self.items(), f"{self.source}/other/alpha.txt", f"{self.target}/alpha/alpha.txt"]
+        for policy, prospect in (("ask", "ask what to do"), ("skip", "skip these items"),
+                                 ("replace", "replace what is there"), ("keep-both", "add a number to the new names")):
+            told = self.sort("--dry-run", f"--on-conflict={policy}", *items, code=1).messages
+            self.assertIn(f"kinsort: 2 names are taken in the target folder: sort would {prospect}\n", told)
+
+    def test_a_journal_that_cannot_be_written_is_named_and_nothing_is_done(self):
+        self.conflict()
+        self.make_file(self.top, "no-folder")
+        self.environment["XDG_STATE_HOME"] = f"{self.top}/no-folder"
+        before = snapshot(self.top)
+        outcome = self.sort("--move", "--on-conflict=replace", *self.items(), code=3)
+        self.assertIn(f"kinsort: the undo journal in {self.top}/no-folder/vel/undo: ", outcome.messages)
+        self.assertEqual(outcome.output, "")
+        self.assertEqual(snapshot(self.top), before)
+
     def test_json_outcome(self):
         item = self.conflict()
         self.make_file(self.source, "alpha 2.txt")

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "cli/ShownText.h"
+
 namespace kinsort {
 namespace {
 
@@ -18,11 +20,18 @@ std::string FailureLine(const CliContext& context, const BatchReport& report, co
     return line;
 }
 
+bool IsAboutTheBatch(StatusCode code) {
+    return code == StatusCode::kNotFound || code == StatusCode::kInvalid || code == StatusCode::kLocked ||
+           code == StatusCode::kCorrupt || code == StatusCode::kTooNew;
+}
+
 std::string WholeFailureText(const CliContext& context, const BatchReport& report) {
     const Status& status = report.result.status;
-    const std::string where = status.path().empty() ? "" : context.ShownPath(status.path()) + ": ";
-    if (!HasSubject(report.action)) return where + StatusText(status);
-    return "batch " + std::to_string(report.subject) + ": " + where + BatchStatusText(status);
+    const std::string batch = HasSubject(report.action) ? "batch " + std::to_string(report.subject) + ": " : "";
+    if (!status.path().empty()) return batch + context.ShownPath(status.path()) + ": " + StatusText(status);
+    if (!batch.empty() && IsAboutTheBatch(status.code())) return batch + BatchStatusText(status);
+    // What stops a whole batch without the name of a file is its journal.
+    return batch + "the undo journal in " + ShownText(report.journalFolder) + ": " + StatusText(status);
 }
 
 void PrintAdvice(CliContext& context, const BatchReport& report) {
@@ -94,7 +103,8 @@ void PrintReport(CliContext& context, const BatchReport& report) {
     add(result.skipped, "skipped");
     add(result.failed + report.missing.size(), "failed");
     add(result.notReached, "not reached");
-    if (!context.console.isQuiet()) context.console.Print(summary + ".\n");
+    const bool neverBegan = !result.status.ok() && summary == DoneText(report.action, 0);
+    if (!context.console.isQuiet() && !neverBegan) context.console.Print(summary + ".\n");
     if (!report.withoutCandidate.empty()) {
         context.console.Print(Counted(report.withoutCandidate.size(), "item") +
                               " without a similar folder, left in place:\n");

@@ -18,6 +18,7 @@ struct BatchReport {
     BatchId subject = 0;                           // of an undo or redo: the batch it is about
     std::vector<std::u16string> withoutCandidate;  // items, inner form
     std::vector<MissingItem> missing;              // items that did not exist; said already
+    std::string journalFolder;                     // stored path of the undo journal
     uint64_t unanswered = 0;                       // conflicts skipped because nobody could be asked
 };
 

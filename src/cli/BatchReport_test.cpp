@@ -123,6 +123,7 @@ TEST(BatchReport, NamesTheBatchThatCouldNotBeTouched) {
         {StatusCode::kNotFound, "there is no such batch; 'kinsort history' lists them"},
         {StatusCode::kInvalid, "this cannot be done with it now; 'kinsort history' shows its state"},
         {StatusCode::kLocked, "another process is working on it; wait until that is done"},
+        {StatusCode::kNoSpace, "the undo journal in /j: no space left on the volume; free some and try again"},
     };
     for (const auto& [code, text] : cases) {
         CliFixture fixture;
@@ -130,9 +131,12 @@ TEST(BatchReport, NamesTheBatchThatCouldNotBeTouched) {
         BatchReport report;
         report.action = BatchAction::kUndo;
         report.subject = 12;
+        report.journalFolder = "/j";
         report.result.status = Status::Failure(code);
         PrintReport(context, report);
         EXPECT_EQ(fixture.terminal.messages, "kinsort: batch 12: " + text + "\n");
+        (void)context.console.Flush();
+        EXPECT_EQ(fixture.terminal.output, "");
         EXPECT_EQ(ExitCodeOf(report), ExitCode::kNothing);
     }
 }

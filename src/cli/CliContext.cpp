@@ -1,5 +1,7 @@
 #include "cli/CliContext.h"
 
+#include <algorithm>
+
 #include "cli/CommandLine.h"
 #include "cli/ShownText.h"
 #include "cli/Texts.h"
@@ -33,15 +35,19 @@ std::optional<FileOperationServices> CliContext::EngineServices() {
     return FileOperationServices{services.sys, services.codec, services.clock, folder + "/vel/undo"};
 }
 
-void CliContext::WarnOfUnfinishedBatches(FileOperationServices& engine) {
-    if (!services.sys.OpenFolder(engine.journalFolder).ok()) return;  // nothing was ever sorted; leave no folder behind
+BatchId CliContext::WarnOfUnfinishedBatches(FileOperationServices& engine) {
+    if (!services.sys.OpenFolder(engine.journalFolder).ok())
+        return 0;  // nothing was ever sorted; leave no folder behind
     const Result<std::vector<BatchSummary>> batches = UndoHistory(engine).List();
-    if (!batches.ok()) return;  // the verb itself will meet the same failure and say so
+    if (!batches.ok()) return 0;  // the verb itself will meet the same failure and say so
+    BatchId newest = 0;
     for (const BatchSummary& batch : *batches) {
         if (batch.state != BatchState::kUnfinished) continue;
+        newest = std::max(newest, batch.id);
         console.Say("batch " + std::to_string(batch.id) +
                     " was interrupted and is unfinished; finish it or take it back with: kinsort recover");
     }
+    return newest;
 }
 
 int RunKinsort(CliServices& services, const std::vector<std::string>& arguments) {

@@ -45,8 +45,9 @@ class CliContext {
     // The services of the batch engine. Nothing, after a message, when there is no place for the undo journal.
     std::optional<FileOperationServices> EngineServices();
 
-    // One line on standard error for each batch that a crash left unfinished.
-    void WarnOfUnfinishedBatches(FileOperationServices& engine);
+    // One line on standard error for each batch that a crash left unfinished. Returns the newest of them, 0 when there
+    // is none.
+    BatchId WarnOfUnfinishedBatches(FileOperationServices& engine);
 
     CliServices& services;
     Console console;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "cli/ExistenceCheck.h"
 #include "cli/ShownText.h"
 #include "cli/Texts.h"
 
@@ -28,6 +29,11 @@ std::u16string FindSearchFolder(CliContext& context, const CommandLine& line) {
     }
     if ((attributes & kAttributeDirectory) == 0) {
         context.console.Say(shown + "this is a file; name the folder whose sub-folders the items go into");
+        return {};
+    }
+    const Result<std::string> stored = context.services.codec.PathToStored(*folder);
+    if (stored.ok() && context.services.sys.OpenFolder(*stored).code() == StatusCode::kAccessDenied) {
+        context.console.Say(shown + "permission denied; its sub-folders cannot be listed");
         return {};
     }
     return *folder;
@@ -59,7 +65,7 @@ std::optional<ExitCode> MakeSortingPlan(CliContext& context, const CommandLine& 
     if (plan.searchFolder.empty()) return ExitCode::kNothing;
     ItemList items = CollectItems(context, line);
     for (const MissingItem& item : items.missing) {
-        context.console.Say(ShownText(item.typed) + ": " + StatusText(item.why));
+        context.console.Say((item.typed.empty() ? "''" : ShownText(item.typed)) + ": " + StatusText(item.why));
     }
     plan.missing = std::move(items.missing);
     if (SayWhyNoItems(context, items, !plan.missing.empty())) {
@@ -91,6 +97,25 @@ std::optional<ExitCode> MakeSortingPlan(CliContext& context, const CommandLine& 
 std::u16string TargetFolderOf(const SortingPlan& plan, size_t row) {
     const std::vector<std::u16string>& candidates = plan.rows[row].arrCandidates;
     return candidates.empty() ? std::u16string() : JoinPath(plan.searchFolder, candidates[0]);
+}
+
+size_t CountTakenNames(CliContext& context, const SortingPlan& plan) {
+    std::vector<std::pair<std::u16string, std::u16string_view>> ways;  // target and source
+    for (size_t i = 0; i < plan.rows.GetCount(); ++i) {
+        const std::u16string folder = TargetFolderOf(plan, i);
+        if (folder.empty()) continue;
+        std::u16string target = JoinPath(folder, plan.rows[i].strName);
+        if (target != plan.rows[i].strPath) ways.emplace_back(std::move(target), plan.rows[i].strPath);
+    }
+    std::sort(ways.begin(), ways.end());
+    ways.erase(std::unique(ways.begin(), ways.end()), ways.end());
+    ExistenceCheck check(context.services);
+    size_t taken = 0;
+    for (size_t i = 0; i < ways.size() && !context.cancel.isCancelled(); ++i) {
+        const bool isSecond = i > 0 && ways[i].first == ways[i - 1].first;
+        if (isSecond || check.Look(ways[i].first).ok()) ++taken;
+    }
+    return taken;
 }
 
 }  // namespace kinsort

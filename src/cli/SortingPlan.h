@@ -29,6 +29,9 @@ std::optional<ExitCode> MakeSortingPlan(CliContext& context, const CommandLine& 
 // The target folder of a row, inner form; empty when the row has no candidate.
 std::u16string TargetFolderOf(const SortingPlan& plan, size_t row);
 
+// How many of the items would meet their own name in the target folder, or are not the first of that name to go there.
+size_t CountTakenNames(CliContext& context, const SortingPlan& plan);
+
 // What "plan" prints, also for sort --dry-run: JSON, a table as wide as the terminal, or lines. Returns the exit code;
 // an interrupt ends it early, which is said.
 ExitCode PrintPlan(CliContext& context, const CommandLine& line, const SortingPlan& plan);

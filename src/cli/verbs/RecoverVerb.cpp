@@ -52,6 +52,11 @@ std::vector<BatchSummary> FindTorn(CliContext& context, const CommandLine& line,
     return torn;
 }
 
+// Also a batch that was interrupted before its first item: there is nothing to do, and that is done.
+bool IsSettled(const BatchResult& result) {
+    return result.status.ok() && !result.cancelled && result.failed + result.notReached + result.skipped == 0;
+}
+
 }  // namespace
 
 ExitCode RunRecover(CliContext& context, const CommandLine& line) {
@@ -82,6 +87,7 @@ ExitCode RunRecover(CliContext& context, const CommandLine& line) {
         BatchReport report;
         report.action = choice == Choice::kFinish ? BatchAction::kFinish : BatchAction::kUndo;
         report.subject = batch.id;
+        report.journalFolder = engine->journalFolder;
         {
             ConsoleProgress progress(context, report.action);
             report.result =
@@ -93,7 +99,7 @@ ExitCode RunRecover(CliContext& context, const CommandLine& line) {
         } else {
             PrintReport(context, report);
         }
-        const ExitCode now = ExitCodeOf(report);
+        const ExitCode now = IsSettled(report.result) ? ExitCode::kDone : ExitCodeOf(report);
         code = code == ExitCode::kNothing || now == ExitCode::kPartly ? now : code;
     }
     if (asJson) {

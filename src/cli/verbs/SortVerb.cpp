@@ -1,3 +1,6 @@
+#include <algorithm>
+#include <array>
+
 #include "cli/BatchReport.h"
 #include "cli/CommandLine.h"
 #include "cli/ConsoleAsker.h"
@@ -7,13 +10,29 @@
 namespace kinsort {
 namespace {
 
+struct ConflictRow {
+    std::string_view option;
+    ConflictAnswer answer;
+    std::string_view prospect;  // what --dry-run says of names that are taken
+};
+
+constexpr std::array<ConflictRow, 4> kConflictRows = {{
+    {"ask", ConflictAnswer::kAsk, "sort would ask what to do"},
+    {"skip", ConflictAnswer::kSkip, "sort would skip these items"},
+    {"replace", ConflictAnswer::kReplace, "sort would replace what is there"},
+    {"keep-both", ConflictAnswer::kKeepBoth, "sort would add a number to the new names"},
+}};
+
+const ConflictRow& ConflictsOf(const CommandLine& line) {
+    const std::string option = line.Value(OptionId::kOnConflict, "ask");
+    const auto found = std::find_if(kConflictRows.begin(), kConflictRows.end(),
+                                    [&](const ConflictRow& row) { return row.option == option; });
+    return found == kConflictRows.end() ? kConflictRows[0] : *found;
+}
+
 OperationPolicy PolicyOf(const CommandLine& line) {
     OperationPolicy policy;
-    const std::string conflicts = line.Value(OptionId::kOnConflict, "ask");
-    policy.conflicts = conflicts == "skip"        ? ConflictAnswer::kSkip
-                       : conflicts == "replace"   ? ConflictAnswer::kReplace
-                       : conflicts == "keep-both" ? ConflictAnswer::kKeepBoth
-                                                  : ConflictAnswer::kAsk;
+    policy.conflicts = ConflictsOf(line).answer;
     policy.durability = line.Value(OptionId::kDurability) == "journal" ? Durability::kJournal : Durability::kContent;
     if (const int threads = line.Number(OptionId::kThreads, 0); threads > 0)
         policy.threads = static_cast<unsigned>(threads);
@@ -30,6 +49,10 @@ ExitCode RunSort(CliContext& context, const CommandLine& line) {
     if (const std::optional<ExitCode> code = MakeSortingPlan(context, line, plan)) return *code;
     if (line.Has(OptionId::kDryRun)) {
         const ExitCode code = PrintPlan(context, line, plan);
+        if (const size_t taken = CountTakenNames(context, plan); taken > 0) {
+            context.console.Note(Counted(taken, "name") + (taken == 1 ? " is" : " are") +
+                                 " taken in the target folder: " + std::string(ConflictsOf(line).prospect));
+        }
         context.console.Note("nothing was changed");
         return code;
     }
@@ -37,6 +60,7 @@ ExitCode RunSort(CliContext& context, const CommandLine& line) {
     BatchReport report;
     report.action = line.Has(OptionId::kMove) ? BatchAction::kMove : BatchAction::kCopy;
     report.missing = plan.missing;
+    report.journalFolder = engine->journalFolder;
     FileOperation operation(*engine);
     operation.SetPolicy(PolicyOf(line));
     for (size_t i = 0; i < plan.rows.GetCount(); ++i) {

@@ -1,0 +1,26 @@
+// Looks whether items exist, links not followed; keeps the last folder open, since selections share one.
+#pragma once
+
+#include <string>
+
+#include "cli/CliContext.h"
+
+namespace kinsort {
+
+class ExistenceCheck {
+  public:
+    explicit ExistenceCheck(CliServices& services) : services_(services) {}
+
+    // Success when something stands at `path` (inner form, absolute), else why not; kInvalid for a root, which has no
+    // name in a folder.
+    Status Look(const std::u16string& path);
+
+  private:
+    Status Open(std::u16string parent);
+
+    CliServices& services_;
+    FileHandle folder_;
+    std::u16string parent_;
+};
+
+}  // namespace kinsort
