@@ -2,6 +2,8 @@
 
 #include <utility>
 
+#include "framework/Paths.h"
+
 namespace kinsort {
 namespace {
 
@@ -13,7 +15,7 @@ void DropBelow(int minScore, CandidateMatch& match) {
 
 std::vector<std::u16string> ListCandidateFolders(FileSystem& files, std::u16string_view searchFolder) {
     std::vector<std::u16string> folders;
-    auto search = files.OpenSearch(std::u16string(searchFolder) + u"\\*");
+    auto search = FindFirst(files, std::u16string(searchFolder) + u"\\*");
     if (!search.ok()) return folders;
     for (FindData entry; (*search)->Next(entry);) {
         if ((entry.attributes & kAttributeDirectory) == 0 || entry.name == u"." || entry.name == u"..") continue;
