@@ -8,7 +8,7 @@ namespace kinsort {
 namespace {
 
 // The part of the rows that one pass over the batch works on: about half of a usual second-level cache.
-constexpr size_t kBlockBytes = 512 * 1024;
+constexpr size_t kBlockBytes = size_t{512} * 1024;
 
 }  // namespace
 

@@ -25,17 +25,34 @@ double FractionOf(const ProgressState& state) {
     return total > 0 ? std::clamp(done / total, 0.0, 1.0) : 0.0;
 }
 
-std::string Details(const ProgressState& state) {
-    std::string text = std::to_string(state.itemsDone) + " of " + Counted(state.itemsTotal, "item");
+struct Details {
+    std::string items;
+    std::string rate;  // with ", " before it; empty while unknown, as the next
+    std::string left;
+};
+
+Details DetailsOf(const ProgressState& state) {
+    Details details{
+        .items = std::to_string(state.itemsDone) + " of " + Counted(state.itemsTotal, "item"), .rate = {}, .left = {}};
     if (state.bytesPerSecond > 0) {
-        text += ", " + FormatSize(state.bytesPerSecond) + "/s";
+        details.rate = ", " + FormatSize(state.bytesPerSecond) + "/s";
     } else if (state.itemsPerSecond >= 1) {
-        text += ", " + std::to_string(std::llround(state.itemsPerSecond)) + " items/s";
+        details.rate = ", " + std::to_string(std::llround(state.itemsPerSecond)) + " items/s";
     }
-    if (state.secondsLeft >= 0 && state.secondsLeft < kLongestShown) {
-        text += ", " + FormatDuration(state.secondsLeft) + " left";
+    // Once every byte is there, only names are left to be made, and the bytes' rate says nothing about those.
+    const bool onlyNamesLeft = state.bytesTotal > 0 && state.bytesDone >= state.bytesTotal;
+    if (!onlyNamesLeft && state.secondsLeft >= 0 && state.secondsLeft < kLongestShown) {
+        details.left = ", " + FormatDuration(state.secondsLeft) + " left";
     }
-    return text;
+    return details;
+}
+
+// As many of the details as fit, each whole: the rate goes first, then the time left.
+std::string FitDetails(const Details& details, size_t columns) {
+    for (const std::string& text : {details.items + details.rate + details.left, details.items + details.left}) {
+        if (text.size() <= columns) return text;
+    }
+    return details.items.size() <= columns ? details.items : "";
 }
 
 }  // namespace
@@ -66,7 +83,7 @@ std::string FormatDuration(double seconds) {
 std::string FormatProgressLine(BatchAction action, const ProgressState& state) {
     if (state.phase == BatchPhase::kPlanning) return "Looking: " + Counted(state.itemsTotal, "item");
     if (state.phase == BatchPhase::kSyncing) return "Making it safe on the disk: " + Counted(state.itemsDone, "item");
-    return std::string(Doing(action)) + ": " + Details(state);
+    return std::string(Doing(action)) + ": " + FitDetails(DetailsOf(state), std::string::npos);
 }
 
 std::string FormatProgressBar(BatchAction action, const ProgressState& state, size_t columns) {
@@ -75,7 +92,7 @@ std::string FormatProgressBar(BatchAction action, const ProgressState& state, si
     std::array<char, 8> percent{};
     std::snprintf(percent.data(), percent.size(), "%3d%%", static_cast<int>(fraction * 100));
     std::string line = std::string(Doing(action)) + " " + percent.data() + " ";
-    const std::string details = Details(state);
+    const std::string details = FitDetails(DetailsOf(state), columns - std::min(columns, line.size()));
     const size_t taken = line.size() + details.size() + 3;  // brackets and a blank
     if (taken + kShortestBar <= columns) {
         const size_t length = std::min(columns - taken, kLongestBar);

@@ -36,7 +36,9 @@ TEST(Progress, BarShowsWhatIsKnownAndFitsTheWindow) {
     state.secondsLeft = 35;
     EXPECT_EQ(FormatProgressBar(BatchAction::kCopy, state, 79),
               "Copying  75% [##################      ] 450 of 1000 items, 12.3 MB/s, 0:35 left");
-    EXPECT_EQ(FormatProgressBar(BatchAction::kCopy, state, 50), "Copying  75% 450 of 1000 items, 12.3 MB/s, 0:35 le");
+    EXPECT_EQ(FormatProgressBar(BatchAction::kCopy, state, 51), "Copying  75% 450 of 1000 items, 0:35 left");
+    EXPECT_EQ(FormatProgressBar(BatchAction::kCopy, state, 40), "Copying  75% 450 of 1000 items");
+    EXPECT_EQ(FormatProgressBar(BatchAction::kCopy, state, 20), "Copying  75% ");
     for (size_t columns = 0; columns < 120; ++columns) {
         EXPECT_LE(FormatProgressBar(BatchAction::kUndo, state, columns).size(), columns);
     }
@@ -45,7 +47,9 @@ TEST(Progress, BarShowsWhatIsKnownAndFitsTheWindow) {
     state.itemsPerSecond = 1200.4;
     EXPECT_EQ(FormatProgressLine(BatchAction::kCopy, state), "Copying: 450 of 1000 items, 1200 items/s");
     state.bytesDone = 50;  // more than announced: the file grew
-    EXPECT_EQ(FormatProgressBar(BatchAction::kCopy, state, 20), "Copying 100% 450 of ");
+    state.secondsLeft = 30;
+    EXPECT_EQ(FormatProgressBar(BatchAction::kCopy, state, 60),
+              "Copying 100% [#############] 450 of 1000 items, 1200 items/s");
     state = Running(0, 1);
     state.phase = BatchPhase::kPlanning;
     EXPECT_EQ(FormatProgressLine(BatchAction::kCopy, state), "Looking: 1 item");

@@ -22,7 +22,8 @@ std::optional<std::vector<std::u16string>> ReadHandedOverItems(kinsort::Terminal
     kinsort::LinuxSharedMemory memory;
     kinsort::HostHandOff handOff;
     const auto show = [&terminal](const std::u16string& text) {
-        (void)terminal.Write(kinsort::Stream::kMessages, "kinsort: " + kinsort::ToUtf8(text) + "\n");
+        (void)terminal.Write(kinsort::Stream::kMessages,
+                             "kinsort: the selection of the file manager: " + kinsort::ToUtf8(text) + "\n");
     };
     kinsort::ReadHostHandOff(environment, memory, show, handOff);
     if (handOff.SharedHandOff != 1) return std::nullopt;
