@@ -63,8 +63,9 @@ uint32_t FolderTable::AddKeepFolder(uint32_t parent, const std::string& name) {
 }
 
 Result<std::shared_ptr<const FileHandle>> FolderTable::Open(uint32_t index) {
-    const std::lock_guard lock(mutex_);
-    if (const auto found = open_.find(index); found != open_.end()) return found->second;
+    if (auto known = FindOpen(index)) return known;
+    const std::lock_guard opening(openMutex_);
+    if (auto known = FindOpen(index)) return known;  // another thread was faster
     Result<FileHandle> handle = OpenFresh(index);
     if (handle.code() == StatusCode::kTooManyOpen) {
         CloseAll();
@@ -79,14 +80,21 @@ Result<std::shared_ptr<const FileHandle>> FolderTable::Open(uint32_t index) {
     } else if (!IsSame(folder, *info, *handle)) {
         return Status::Failure(StatusCode::kChanged);
     }
+    auto shared = std::make_shared<const FileHandle>(std::move(*handle));
+    const std::unique_lock lock(cacheMutex_);
     if (open_.size() >= kMostOpen) {
         open_.erase(openOrder_.front());
         openOrder_.pop_front();
     }
-    auto shared = std::make_shared<const FileHandle>(std::move(*handle));
     open_.emplace(index, shared);
     openOrder_.push_back(index);
     return shared;
+}
+
+std::shared_ptr<const FileHandle> FolderTable::FindOpen(uint32_t index) const {
+    const std::shared_lock lock(cacheMutex_);
+    const auto found = open_.find(index);
+    return found == open_.end() ? nullptr : found->second;
 }
 
 Result<FileHandle> FolderTable::OpenFresh(uint32_t index) {
@@ -114,7 +122,6 @@ Result<FileHandle> FolderTable::OpenOrMakeKeep(const FileHandle& parent, const F
 }
 
 void FolderTable::SetMade(uint32_t index, const FileInfo& info) {
-    const std::lock_guard lock(mutex_);
     FolderRecord& folder = folders_[index];
     folder.device = info.device;
     folder.inode = info.inode;
@@ -122,7 +129,7 @@ void FolderTable::SetMade(uint32_t index, const FileInfo& info) {
 }
 
 void FolderTable::CloseAll() {
-    const std::lock_guard lock(mutex_);
+    const std::unique_lock lock(cacheMutex_);
     open_.clear();
     openOrder_.clear();
 }

@@ -5,6 +5,7 @@
 #include <deque>
 #include <memory>
 #include <mutex>
+#include <shared_mutex>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -31,7 +32,7 @@ class FolderTable {
 
     // The open folder; kChanged when something else stands there now, kIsLink when a link does. Thread-safe.
     Result<std::shared_ptr<const FileHandle>> Open(uint32_t index);
-    // Says that `index` was just made and is `info`.
+    // Says that `index` was just made and is `info`. Not while other threads open folders.
     void SetMade(uint32_t index, const FileInfo& info);
     // Closes all, so that the next Open looks again.
     void CloseAll();
@@ -40,13 +41,16 @@ class FolderTable {
     bool IsOnVolumeOf(uint32_t index, const FileInfo& info) const { return folders_[index].device == info.device; }
 
   private:
+    std::shared_ptr<const FileHandle> FindOpen(uint32_t index) const;
     Result<FileHandle> OpenFresh(uint32_t index);
     Result<FileHandle> OpenOrMakeKeep(const FileHandle& parent, const FolderRecord& folder);
     bool IsSame(FolderRecord& folder, const FileInfo& info, const FileHandle& handle);
 
     Sys& sys_;
     std::vector<FolderRecord>& folders_;
-    std::recursive_mutex mutex_;
+    // Every step of every thread looks here: readers must not wait for each other.
+    mutable std::shared_mutex cacheMutex_;
+    std::recursive_mutex openMutex_;  // a folder's parents are opened on the way
     std::unordered_map<uint32_t, std::shared_ptr<const FileHandle>> open_;
     std::deque<uint32_t> openOrder_;
     std::unordered_map<std::string, uint32_t> byPath_;

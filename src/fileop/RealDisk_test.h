@@ -37,6 +37,7 @@ class RealDiskTest : public testing::Test {
         const struct stat& status;
     };
     enum class Times : uint8_t { kAll, kOfFiles };
+    enum class Kept : uint8_t { kShown, kHidden };  // the folders for replaced files
 
     RealDiskTest() {
         EXPECT_EQ(chmod(home_.path().c_str(), 0755), 0);
@@ -154,9 +155,10 @@ class RealDiskTest : public testing::Test {
 
     // --- looking ----------------------------------------------------------------------------------------------------
     // "path=content" of every file, "path/" of every folder, "path->text" of every link below `name`.
-    std::string Tree(std::string_view name) const {
+    std::string Tree(std::string_view name, Kept kept = Kept::kShown) const {
         std::string out;
-        Walk(P(name), [&out](const Row& row) {
+        Walk(P(name), [&out, kept](const Row& row) {
+            if (kept == Kept::kHidden && row.name.starts_with(".kinsort-")) return false;
             out += (out.empty() ? "" : " ") + row.path + ContentOf(row);
             return true;
         });

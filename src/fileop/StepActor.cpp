@@ -145,30 +145,37 @@ StepResult StepActor::Publish(uint32_t index, PreparedContent& prepared, FileIde
     return PublishContent(index, prepared, made);
 }
 
-StepResult StepActor::PublishMove(uint32_t index, FileIdentity& made) {
+StepResult StepActor::VerifyMove(uint32_t index, FileIdentity& made) {
+    const Step& step = batch_.steps[index];
+    Folder from;
+    if (StepResult opened = OpenFolder(step.source.folder, false, from); !opened.ok()) return opened;
+    const Result<FileInfo> info = sys_.StatAt(*from, step.source.name);
+    if (!info.ok()) return SourceFailed(info.status());
+    made = FileIdentity::Of(*info);
+    return CheckSource(step, *info);
+}
+
+StepResult StepActor::PublishMove(uint32_t index, const FileIdentity& made) {
     const Step& step = batch_.steps[index];
     Folder from;
     Folder to;
     if (StepResult opened = OpenFolder(step.source.folder, false, from); !opened.ok()) return opened;
     if (StepResult opened = OpenFolder(step.target.folder, true, to); !opened.ok()) return opened;
-    const Result<FileInfo> info = sys_.StatAt(*from, step.source.name);
-    if (!info.ok()) return SourceFailed(info.status());
-    if (StepResult checked = CheckSource(step, *info); !checked.ok()) return checked;
-    made = FileIdentity::Of(*info);
     if (!IsReplace(step.kind)) {
-        const Status moved = RenameFile(*from, step.source.name, *to, step.target.name, info->kind);
+        const Status moved = RenameFile(*from, step.source.name, *to, step.target.name, made.kind);
         if (moved.code() == StatusCode::kExists) return Failed(moved, ItemReason::kTargetTaken);
+        if (moved.code() == StatusCode::kNotFound) return SourceFailed(moved);
         return moved.ok() ? StepResult() : Failed(moved);
     }
     Folder kept;
     if (StepResult opened = OpenFolder(step.keptFolder, true, kept); !opened.ok()) return opened;
     const std::string keptName = KeptName(index);
-    if (Status moved = RenameFile(*from, step.source.name, *kept, keptName, info->kind); !moved.ok())
+    if (Status moved = RenameFile(*from, step.source.name, *kept, keptName, made.kind); !moved.ok())
         return Failed(moved);
     StepResult swapped = ExchangeWithKept(index, made);
     // Only what was put there goes back: after a failure half-way the kept name can be the replaced file's.
     if (!swapped.ok() && IsStillKept(*kept, index, made)) {
-        if (Status back = RenameFile(*kept, keptName, *from, step.source.name, info->kind); !back.ok())
+        if (Status back = RenameFile(*kept, keptName, *from, step.source.name, made.kind); !back.ok())
             return Failed(back);
     }
     return swapped;

@@ -40,6 +40,9 @@ class StepActor {
     // kRemoveCopy: makes sure that removing is safe. kNotThereAnyMore when there is nothing to remove.
     StepResult VerifyRemoval(uint32_t index);
 
+    // A move: makes sure that its source is what was planned for, and says in `made` what it is.
+    StepResult VerifyMove(uint32_t index, FileIdentity& made);
+
     // The visible change: a name appears, moves or goes. kTargetTaken when the target's name is occupied by something
     // that the plan does not know. Sets `made` where it is known only now.
     StepResult Publish(uint32_t index, PreparedContent& prepared, FileIdentity& made);
@@ -68,7 +71,7 @@ class StepActor {
     StepResult CopyOnce(uint32_t index, const FileHandle& sourceFolder, const FileHandle& targetFolder,
                         const ByteSink& copied, PreparedContent& prepared, FileIdentity& made);
     StepResult CopyAttributes(const FileHandle& from, const FileInfo& info, PreparedContent& prepared);
-    StepResult PublishMove(uint32_t index, FileIdentity& made);
+    StepResult PublishMove(uint32_t index, const FileIdentity& made);
     StepResult PublishContent(uint32_t index, PreparedContent& prepared, FileIdentity& made);
     StepResult PlaceContent(uint32_t index, PreparedContent& prepared, const FileHandle& folder,
                             const std::string& name, FileIdentity& made);

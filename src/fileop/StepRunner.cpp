@@ -108,6 +108,8 @@ void StepRunner::PrepareAll(Group& group) {
             slot.result = actor_.Prepare(slot.index, countBytes, slot.content, batch_.states[slot.index].made);
         } else if (step.kind == StepKind::kRemoveCopy) {
             slot.result = actor_.VerifyRemoval(slot.index);
+        } else if (IsMove(step.kind)) {
+            slot.result = actor_.VerifyMove(slot.index, batch_.states[slot.index].made);
         }
     });
     // Without descriptors left the rest of the group waits until this part of it is done and closed.
@@ -265,7 +267,9 @@ void StepRunner::FinishFolders(Group& group) {
                 continue;
             }
             if (before == StepProgress::kDone) {
-                slot.result = actor_.Publish(slot.index, slot.content, batch_.states[slot.index].made);
+                slot.result = actor_.VerifyMove(slot.index, batch_.states[slot.index].made);
+                if (slot.result.ok())
+                    slot.result = actor_.Publish(slot.index, slot.content, batch_.states[slot.index].made);
             } else {
                 slot.result = {batch_.states[slot.index - 1].reason, batch_.states[slot.index - 1].status};
             }
