@@ -1,5 +1,7 @@
 #!/usr/bin/env bash
 # Installs what building, testing and checking Kinsort needs (Debian 12). Does nothing, quickly, when all is there.
+#   scripts/setup.sh                 for everything but the benchmarks
+#   scripts/setup.sh --with bench    for them too
 set -euo pipefail
 
 # Package and what it is for. To add one: add a row; nothing else lists packages.
@@ -22,6 +24,16 @@ packages=(
   "clang-tidy           scripts/check.sh --tidy"
   "ccache               keeps compiled files between builds; the build works without"
 )
+# Only scripts/bench.sh needs these.
+for_bench=(
+  "python3-levenshtein  a peer of the matching benchmark"
+)
+case "$*" in
+  "") ;;
+  "--with bench") packages+=("${for_bench[@]}") ;;
+  -h | --help) sed -n '2,4s/^# \?//p' "$0"; exit 0 ;;
+  *) echo "setup.sh: unknown arguments $* (see --help)" >&2; exit 2 ;;
+esac
 
 missing=()
 installed=$(dpkg-query -W -f='${Package} ${db:Status-Abbrev}\n' 2>/dev/null | sed -n 's/ ii *$//p')
