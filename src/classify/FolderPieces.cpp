@@ -12,7 +12,7 @@ namespace {
 constexpr size_t kRowShare = 512;
 
 // What the rows may take when many folders have long names. A row that is smaller than its list is made all the same.
-constexpr size_t kRowBudget = 32 * 1024 * 1024;
+constexpr size_t kRowBudget = size_t{32} * 1024 * 1024;
 
 // The smallest number of folders with which a piece gets a row.
 size_t RowThreshold(std::vector<uint32_t> folderCounts, size_t folders, size_t stripesPerRow) {

@@ -42,8 +42,9 @@ BatchId CliContext::WarnOfUnfinishedBatches(FileOperationServices& engine) {
     if (!batches.ok()) return 0;  // the verb itself will meet the same failure and say so
     BatchId newest = 0;
     for (const BatchSummary& batch : *batches) {
-        if (batch.state != BatchState::kUnfinished) continue;
-        newest = std::max(newest, batch.id);
+        const bool isTorn = batch.state == BatchState::kUnfinished;
+        if (isTorn || batch.state == BatchState::kRunning) newest = std::max(newest, batch.id);
+        if (!isTorn) continue;
         console.Say("batch " + std::to_string(batch.id) +
                     " was interrupted and is unfinished; finish it or take it back with: kinsort recover");
     }

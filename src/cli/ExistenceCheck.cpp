@@ -11,7 +11,7 @@ Status ExistenceCheck::Look(const std::u16string& path) {
     if (separator == std::u16string::npos || name.empty() || ParsePathRoot(path).remainder.empty()) {
         return Status::Failure(StatusCode::kInvalid);
     }
-    if (const Status opened = Open(path.substr(0, separator + 1)); !opened.ok()) return opened;
+    if (Status opened = Open(path.substr(0, separator + 1)); !opened.ok()) return opened;
     return services_.sys.StatAt(folder_, services_.codec.NameToStored(name)).status();
 }
 

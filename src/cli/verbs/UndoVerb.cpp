@@ -40,7 +40,8 @@ ExitCode RunHistoryStep(CliContext& context, const CommandLine& line, BatchActio
     }
     if (line.operands.empty() && unfinished > report.subject) {
         const std::string id = std::to_string(report.subject);
-        context.console.Say("the newest batch is the interrupted one, so nothing was changed; for batch " + id +
+        context.console.Say("batch " + std::to_string(unfinished) +
+                            " is newer and not at its end, so nothing was changed; for batch " + id +
                             " all the same: kinsort " + (isUndo ? "undo " : "redo ") + id);
         return ExitCode::kNothing;
     }
