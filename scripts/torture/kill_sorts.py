@@ -75,8 +75,8 @@ class Round:
         self.environment.pop("VEL_ExCommand", None)
         few, many = options.files
         self.count = self.random.randint(few, many)
-        self.name = (f"{'move' if self.move else 'copy'} of {self.count} files, {self.durability} durable, {self.conflict}"
-                     + (", to another volume" if crossing else ""))
+        self.name = (f"{'move' if self.move else 'copy'} of {self.count} files, {self.durability} durable, "
+                     f"{self.conflict}" + (", to another volume" if crossing else ""))
         self.kill_all = not options.only_sorts
         self.kills_inside = 0
 
@@ -312,8 +312,8 @@ def main():
             sys.exit(1)
         rounds, kills_inside, files = rounds + 1, kills_inside + play.kills_inside, files + play.count
         play.remove()
-    print(f"kill_sorts: {rounds} sorts of {files} files from seed {options.seed}, {torn} torn by their kill; {kills_inside} "
-          f"kills struck a sort, a recovery or an undo in the middle; nothing lost, doubled or left over"
+    print(f"kill_sorts: {rounds} sorts of {files} files from seed {options.seed}, {torn} torn by their kill; "
+          f"{kills_inside} kills struck a sort, a recovery or an undo in the middle; nothing lost, doubled or left over"
           + ("" if options.second else "; no second volume here"))
     if kills_inside == 0:
         sys.exit("kill_sorts: no kill came in time, so nothing was tested; raise --files or --kills")
