@@ -286,7 +286,7 @@ TEST_F(RealLimits, FewDescriptorsAreEnoughForManyFolders) {
             [] { return Limit(RLIMIT_NOFILE, 32); },
             [&] {
                 const std::string before = Snapshot(Times::kOfFiles);
-                const BatchResult result = Run(jobs, kSkip);
+                const BatchResult result = Run(jobs, RealPolicy(ConflictAnswer::kSkip, 1));
                 EXPECT_EQ(result.done, jobs.size()) << Explain(result).substr(0, 500);
                 for (const Job& job : jobs)
                     ASSERT_EQ(ReadFile(job.folder + job.source.substr(job.source.find_last_of('/'))), job.source);
