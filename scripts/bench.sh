@@ -33,8 +33,8 @@ batches() {
 }
 startup() { "$python" -B bench/startup.py build/release/bin/kinsort; }
 
-echo "bench: $(nproc) cores, load $(cut -d' ' -f1 /proc/loadavg), $(uname -sm). Quiet machine: close what works, plug in, \
-compare ratios and not seconds."
+echo "bench: $(nproc) cores, load $(cut -d' ' -f1 /proc/loadavg), $(uname -sm)"
+echo "bench: wants a quiet machine: close what works, plug in; compare ratios, not seconds"
 for kind in "${kinds[@]}"; do
   printf '\n== %s ==\n' "$kind"
   "$kind"

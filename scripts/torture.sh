@@ -63,7 +63,8 @@ for name in "${fuzzers[@]}"; do
   corpus=build/torture/$name
   mkdir -p "$corpus"
   [[ $name != Journal_fuzz ]] || build/fuzz/obj/JournalCorpus "$corpus"
-  build/fuzz/obj/"$name" -max_total_time="$share" -print_final_stats=1 -verbosity=0 -artifact_prefix="$corpus-" "$corpus" ||
+  build/fuzz/obj/"$name" -max_total_time="$share" -print_final_stats=1 -verbosity=0 \
+    -artifact_prefix="$corpus-" "$corpus" ||
     failed "build/fuzz/obj/$name with the file it has written, $corpus-crash-... or the like"
 done
 printf '\ntorture: %s minutes, nothing lost\n' "$minutes"

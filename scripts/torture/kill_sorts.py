@@ -51,7 +51,8 @@ def contents(*trees):
 def differences(found, wanted):
     lines = [f"  missing: {name!r}" for name in sorted(wanted.keys() - found.keys())]
     lines += [f"  too many: {name!r}" for name in sorted(found.keys() - wanted.keys())]
-    lines += [f"  not the same: {name!r}" for name in sorted(found.keys() & wanted.keys()) if found[name] != wanted[name]]
+    both = sorted(found.keys() & wanted.keys())
+    lines += [f"  not the same: {name!r}" for name in both if found[name] != wanted[name]]
     return f"{len(lines)} differences\n" + "\n".join(lines[:10])
 
 
@@ -282,6 +283,7 @@ def read_options():
     parser.add_argument("--conflicts", default="replace,replace,keep-both,skip", help="what to draw --on-conflict from")
     parser.add_argument("--only-sorts", action="store_true", help="kill no recovery and no undo")
     places = usable(["/dev/shm", tempfile.gettempdir(), os.path.expanduser("~")])
+    parser.add_argument("--same", action="store_true", help="every round is the first one again")
     parser.add_argument("--work", default=places[0], help="folder on the volume to use (default: %(default)s)")
     options = parser.parse_args()
     few, _, many = options.files.partition("-")
@@ -298,17 +300,19 @@ def main():
     options = read_options()
     until = time.monotonic() + 60 * options.minutes if options.minutes else float("inf")
     rounds, torn, kills_inside, files, limits = 0, 0, 0, 0, {}
-    for seed in range(options.seed, options.seed + options.kills):
+    for number in range(options.kills):
+        seed = options.seed + (0 if options.same else number)
         if time.monotonic() >= until:
             break
         play = Round(options, seed, limits)
         try:
             torn += play.play()
         except (Failure, subprocess.TimeoutExpired) as failure:
+            again = f"--files {options.files[0]}-{options.files[1]} --conflicts {options.conflicts} --seed {seed} --same"
             print(f"kill_sorts: round {seed}, {play.name}: {failure}\n"
                   f"kill_sorts: its tree is kept: {' '.join(play.folders)}\n"
-                  f"kill_sorts: repeat (the moment of a kill is partly chance, so several times): {sys.argv[0]} "
-                  f"{options.kinsort} --files {options.files[0]}-{options.files[1]} --seed {seed} --kills 1", file=sys.stderr)
+                  f"kill_sorts: the same round until it fails again (the moment of a kill is partly chance): "
+                  f"{sys.argv[0]} {options.kinsort} {again}", file=sys.stderr)
             sys.exit(1)
         rounds, kills_inside, files = rounds + 1, kills_inside + play.kills_inside, files + play.count
         play.remove()
