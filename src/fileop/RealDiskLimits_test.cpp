@@ -3,7 +3,6 @@
 #include <cstring>
 
 #include <errno.h>
-#include <gmock/gmock.h>
 #include <grp.h>
 #include <linux/fs.h>
 #include <sched.h>
@@ -16,8 +15,6 @@
 namespace kinsort {
 namespace {
 
-using ::testing::HasSubstr;
-
 constexpr OperationPolicy kSkip = RealPolicy(ConflictAnswer::kSkip);
 constexpr OperationPolicy kReplace = RealPolicy(ConflictAnswer::kReplace);
 constexpr uid_t kNobody = 65534;
@@ -28,19 +25,27 @@ std::string Because(const std::string& what) {
 
 class RealLimits : public RealDiskTest {
   protected:
-    // Mounts of this process alone.
+    // Mounts of this process alone; who is not root is the same user in a name space of users too.
     static std::string EnterOwnMounts() {
         const uid_t user = geteuid();
+        const gid_t group = getegid();
         if (unshare(user == 0 ? CLONE_NEWNS : CLONE_NEWNS | CLONE_NEWUSER) != 0)
             return Because("no namespace for mounts");
-        if (user != 0) {
-            const std::string map = std::to_string(user) + " " + std::to_string(user) + " 1\n";
-            const int file = open("/proc/self/uid_map", O_WRONLY | O_CLOEXEC);
-            if (write(file, map.data(), map.size()) < 0) return Because("no user namespace");
-            close(file);
-        }
-        if (mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0) return Because("no private mounts");
-        return {};
+        const auto tell = [](const char* file, const std::string& text) {
+            const int opened = open(file, O_WRONLY | O_CLOEXEC);
+            const bool isTold = write(opened, text.data(), text.size()) == static_cast<ssize_t>(text.size());
+            close(opened);
+            return isTold;
+        };
+        const auto same = [](unsigned number) {
+            return std::to_string(number) + " " + std::to_string(number) + " 1\n";
+        };
+        const bool isMapped =
+            user == 0 || (tell("/proc/self/setgroups", "deny") && tell("/proc/self/gid_map", same(group)) &&
+                          tell("/proc/self/uid_map", same(user)));
+        if (!isMapped) return Because("no user namespace");
+        const bool isOwn = mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0;
+        return isOwn ? "" : Because("no private mounts");
     }
     std::string MountSmall(const char* name, const char* options) {
         if (std::string reason = EnterOwnMounts(); !reason.empty()) return reason;

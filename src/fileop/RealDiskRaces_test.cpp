@@ -3,7 +3,6 @@
 #include <fstream>
 #include <set>
 
-#include <gmock/gmock.h>
 #include <signal.h>
 #include <sys/resource.h>
 
@@ -11,8 +10,6 @@
 
 namespace kinsort {
 namespace {
-
-using ::testing::HasSubstr;
 
 constexpr OperationPolicy kSkip = RealPolicy(ConflictAnswer::kSkip, 1);
 constexpr OperationPolicy kReplace = RealPolicy(ConflictAnswer::kReplace, 1);
