@@ -293,6 +293,21 @@ size_t BatchChain::CountStanding(BatchKind by) const {
     return count;
 }
 
+size_t BatchChain::CountUndoneItems() const {
+    const auto stands = FindStanding();
+    size_t count = 0;
+    for (size_t b = 0; b < batches_.size(); ++b) {
+        const Batch& batch = batches_[b].batch;
+        if (IsForward(batch.header.kind)) continue;
+        std::set<uint32_t> items;
+        for (size_t i = 0; i < batch.steps.size(); ++i) {
+            if (stands[b][i] && !IsFolderStep(batch.steps[i].kind)) items.insert(batch.steps[i].item);
+        }
+        count += items.size();
+    }
+    return count;
+}
+
 Batch BatchChain::Invert(const BatchHeader& header) const {
     Batch out;
     out.header = header;

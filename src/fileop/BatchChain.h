@@ -31,6 +31,9 @@ class BatchChain {
     // How many of the steps that can be taken back stand: done by the sort or a redo and not undone since, or undone
     // and not redone since.
     size_t CountStanding(BatchKind by) const;
+    // How many items an undo has taken back and no redo has done again.
+    size_t CountUndoneItems() const;
+
     // The batch with this header that takes back what stands: for an undo what the sort and redos did, for a redo what
     // undos did. Not yet planned; without steps when nothing stands.
     Batch Invert(const BatchHeader& header) const;

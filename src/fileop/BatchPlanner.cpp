@@ -245,15 +245,12 @@ BatchPlanner::Choice BatchPlanner::ResolveConflict(const Place& source, const Fi
     conflict.canReplace =
         conflict.isMerge || (there != nullptr && !isFolder && !isSame && there->kind != FileKind::kFolder &&
                              !plannedTargets_.contains(KeyOf(target.place.folder, target.place.name)));
-    if (isSame && target.kind != StepKind::kCopy) {
+    // There is nothing to ask: the item is where it is to go. Only who wants everything twice gets a second one.
+    if (isSame && (target.kind != StepKind::kCopy || !resolver_.KeepsBothFiles())) {
         Refuse(ItemOutcome::kFailed, ItemReason::kSameFile);
         return Choice::kSkip;
     }
-    ConflictAnswer answer = resolver_.Resolve(conflict);
-    if (isSame && answer != ConflictAnswer::kKeepBoth && answer != ConflictAnswer::kCancel) {
-        Refuse(ItemOutcome::kFailed, ItemReason::kSameFile);
-        return Choice::kSkip;
-    }
+    const ConflictAnswer answer = resolver_.Resolve(conflict);
     switch (answer) {
         case ConflictAnswer::kCancel:
             Refuse(ItemOutcome::kNotReached, ItemReason::kCancelled);

@@ -15,6 +15,8 @@ class ConflictResolver {
     // Never kAsk. Where replacing would lose something, a policy of replacing keeps both instead. A merge is asked for
     // and remembered apart from the replacing of files.
     ConflictAnswer Resolve(const Conflict& conflict);
+    // Whether files that meet are to be kept both, as far as that is known without a question.
+    bool KeepsBothFiles() const { return forAllFiles_.value_or(policy_) == ConflictAnswer::kKeepBoth; }
     FailureAnswer ResolveFailure(const std::u16string& path, const Status& why) {
         return asker_ != nullptr ? asker_->AskFailure(path, why) : FailureAnswer::kSkip;
     }

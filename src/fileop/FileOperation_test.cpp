@@ -13,8 +13,6 @@ namespace {
 constexpr OperationPolicy kSkip{.conflicts = ConflictAnswer::kSkip, .durability = Durability::kContent, .threads = 1};
 constexpr OperationPolicy kReplace{
     .conflicts = ConflictAnswer::kReplace, .durability = Durability::kContent, .threads = 1};
-constexpr OperationPolicy kKeepBoth{
-    .conflicts = ConflictAnswer::kKeepBoth, .durability = Durability::kContent, .threads = 1};
 constexpr OperationPolicy kAsk{.conflicts = ConflictAnswer::kAsk, .durability = Durability::kContent, .threads = 1};
 
 class FileOperationTest : public testing::Test {
@@ -129,6 +127,17 @@ TEST_F(FileOperationTest, ConflictsFollowThePolicyOrTheAnswers) {
     EXPECT_TRUE(result.cancelled);
     EXPECT_EQ(result.notReached, 2u);
     EXPECT_EQ(BatchWorld::Tree(disk), before);
+}
+
+TEST_F(FileOperationTest, ACopyOntoItselfIsRefusedWithoutAQuestion) {
+    ScriptedAsker asker({{ConflictAnswer::kReplace, AnswerScope::kThisOne}});
+    const BatchResult refused = world.Run(disk, {{false, "/in/a.txt", "/in"}}, kAsk, &asker);
+    EXPECT_EQ(refused.reports.at(0).reason, ItemReason::kSameFile);
+    EXPECT_TRUE(asker.asked.empty());
+    const OperationPolicy keepBoth{
+        .conflicts = ConflictAnswer::kKeepBoth, .durability = Durability::kContent, .threads = 1};
+    EXPECT_EQ(world.Run(disk, {{false, "/in/a.txt", "/in"}}, keepBoth).done, 1u);
+    EXPECT_EQ(disk.ReadFile("/in/a (2).txt"), "AAA");
 }
 
 TEST_F(FileOperationTest, TwoItemsOfOneNameNeverMeet) {
@@ -255,6 +264,9 @@ TEST_F(FileOperationTest, UndoRefusesWhatWouldLoseSomething) {
         ASSERT_EQ(undone.reports.size(), 1u) << test.name;
         EXPECT_EQ(undone.reports[0].reason, test.reason) << test.name;
         EXPECT_TRUE(fresh.Has("/in/b.txt") && !fresh.Has("/out/A/b.txt")) << test.name;
+        const BatchSummary summary = world.List(fresh).at(0);
+        EXPECT_EQ(summary.undone, 1u) << test.name;
+        EXPECT_TRUE(summary.canUndo) << test.name << ": what was refused can be tried again";
         EXPECT_EQ(world.Undo(fresh, 1).done, 0u) << "what was refused stays so, what was undone is not undone twice";
     }
 }

@@ -106,6 +106,7 @@ void StepRunner::PrepareAll(Group& group) {
         if (MakesContent(step.kind)) {
             const auto countBytes = [this](uint64_t bytes) { meter_.AddBytes(bytes); };
             slot.result = actor_.Prepare(slot.index, countBytes, slot.content, batch_.states[slot.index].made);
+            if (slot.result.ok()) Count(slot);  // what is left for it is quick
         } else if (step.kind == StepKind::kRemoveCopy) {
             slot.result = actor_.VerifyRemoval(slot.index);
         } else if (IsMove(step.kind)) {
@@ -285,7 +286,13 @@ void StepRunner::Settle(Slot& slot) {
     slot.isSettled = true;
     if (!slot.result.ok()) return;  // SettleFailure looks at these, one at a time
     batch_.states[slot.index].progress = StepProgress::kDone;
-    if (!IsFolderStep(batch_.steps[slot.index].kind)) meter_.AddItems(1);
+    Count(slot);
+}
+
+void StepRunner::Count(Slot& slot) {
+    if (slot.isCounted || IsFolderStep(batch_.steps[slot.index].kind)) return;
+    slot.isCounted = true;
+    meter_.AddItems(1);
 }
 
 Status StepRunner::RecordOutcome(Group& group) {
@@ -311,7 +318,7 @@ void StepRunner::SettleFailure(Slot& slot) {
     state.progress = isSkip ? StepProgress::kSkipped : StepProgress::kFailed;
     state.reason = slot.result.reason;
     state.status = slot.result.status;
-    if (!IsFolderStep(batch_.steps[slot.index].kind)) meter_.AddItems(1);
+    Count(slot);
 }
 
 bool StepRunner::TryReplan(Slot& slot) {

@@ -40,6 +40,7 @@ class StepRunner {
         uint32_t index = 0;
         PreparedContent content;
         StepResult result;
+        bool isCounted = false;  // in the progress that people see
         bool isSettled = false;  // nothing further is to be done in this group
     };
     using Group = std::vector<Slot>;
@@ -58,6 +59,7 @@ class StepRunner {
     void FinishFolders(Group& group);
     Status RecordOutcome(Group& group);
     void Settle(Slot& slot);
+    void Count(Slot& slot);
     // Decides what becomes of a step that did not work out.
     void SettleFailure(Slot& slot);
     // Writes a changed or new step, with folders that only it uses, into the journal.

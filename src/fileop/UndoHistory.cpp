@@ -229,6 +229,7 @@ Result<std::vector<BatchSummary>> UndoHistory::List() {
         } else if (chain.CountStanding(BatchKind::kSort) == 0 && chain.CountStanding(BatchKind::kUndo) > 0) {
             summary.state = BatchState::kUndone;
         }
+        summary.undone = chain.CountUndoneItems();
         summary.canUndo = chain.CountStanding(BatchKind::kSort) > 0 && summary.state == BatchState::kDone;
         summary.canRedo = chain.CountStanding(BatchKind::kUndo) > 0 && chain.Unfinished() == nullptr;
         summaries.push_back(std::move(summary));

@@ -30,6 +30,7 @@ struct BatchSummary {
     uint64_t done = 0;      // items
     uint64_t failed = 0;
     uint64_t skipped = 0;
+    uint64_t undone = 0;          // of the items done, those that are taken back at the moment
     std::u16string searchFolder;  // the folder above the target folders, inner form
     std::u16string firstItem;     // name of the first item
     bool canUndo = false;         // something of it stands

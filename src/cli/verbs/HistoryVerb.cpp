@@ -42,6 +42,7 @@ void WriteBatch(JsonWriter& json, const CliContext& context, const BatchSummary&
     number("done", batch.done);
     number("failed", batch.failed);
     number("skipped", batch.skipped);
+    number("undone", batch.undone);
     json.Path("folder", batch.searchFolder.empty() ? std::string() : context.NativePath(batch.searchFolder));
     json.Path("first_item", context.services.codec.NameToStored(batch.firstItem));
     json.EndObject();
@@ -58,6 +59,8 @@ std::string BatchLine(const CliContext& context, const BatchSummary& batch, size
         id + "  " + FormatLocalTime(batch.startedNs) + "  " + state + "  " + DoneText(ActionOf(batch), batch.done);
     if (batch.failed > 0) line += ", " + std::to_string(batch.failed) + " failed";
     if (batch.skipped > 0) line += ", " + std::to_string(batch.skipped) + " skipped";
+    const bool isPartly = batch.undone > 0 && batch.state == BatchState::kDone;
+    if (isPartly) line += ", " + std::to_string(batch.undone) + " of them taken back since";
     if (!batch.searchFolder.empty()) line += ", into " + context.ShownPath(batch.searchFolder);
     if (!batch.firstItem.empty()) {
         line +=
