@@ -36,6 +36,7 @@ constexpr Field kHistoryFields[] = {
     {"started", "When, in UTC (YYYY-MM-DDThh:mm:ssZ)."},
     {"cancelled", "Whether it was stopped."},
     {"done, failed, skipped", "How many items."},
+    {"undone", "How many of the items done are taken back at the moment."},
     {"folder", "The folder that the items were sorted into."},
     {"first_item", "The name of the first item."},
 };
