@@ -65,6 +65,7 @@ enum class StepKind : uint8_t {
     kMakeFolder,       // target is made
     kFinishFolder,     // target gets its mode and time, its contents being complete
     kRemoveFolder,     // target is removed if it is empty
+    kOpenFolder,       // target, a folder, is opened to its owner again, so that it can be emptied
     kRemoveCopy,       // target is removed, after making sure that source holds the same content
 };
 
@@ -84,7 +85,8 @@ constexpr bool MakesContent(StepKind kind) {
     return IsCopy(kind) || IsTransfer(kind);
 }
 constexpr bool IsFolderStep(StepKind kind) {
-    return kind == StepKind::kMakeFolder || kind == StepKind::kFinishFolder || kind == StepKind::kRemoveFolder;
+    return kind == StepKind::kMakeFolder || kind == StepKind::kFinishFolder || kind == StepKind::kRemoveFolder ||
+           kind == StepKind::kOpenFolder;
 }
 
 struct Step {

@@ -21,6 +21,12 @@ bool IsRestore(const Step& step) {
     return step.dependsOnPrevious;
 }
 
+// Most of what finished or opened a folder has nothing to take back: the folder's own step has.
+bool HasInverse(const Step& step) {
+    const bool isClosed = step.kind == StepKind::kFinishFolder && (step.mode & 0700) != 0700;
+    return isClosed || (step.kind != StepKind::kFinishFolder && step.kind != StepKind::kOpenFolder);
+}
+
 Step WithPlaces(StepKind kind, const Place& source, const FileIdentity& sourceId, const Place& target) {
     Step step;
     step.kind = kind;
@@ -35,6 +41,15 @@ class Inverter {
   public:
     explicit Inverter(Batch& out) : out_(out) {}
 
+    // Folders that some batch of the chain has made, by stored path; the newest wins.
+    void NoteMadeFolders(const Batch& batch) {
+        for (size_t i = 0; i < batch.steps.size(); ++i) {
+            if (batch.steps[i].kind != StepKind::kMakeFolder || batch.states[i].progress != StepProgress::kDone)
+                continue;
+            made_[PathOf(batch.folders, batch.steps[i].target)] = batch.states[i].made;
+        }
+    }
+
     void AddFolders(const Batch& from) {
         base_ = static_cast<uint32_t>(out_.folders.size());
         for (FolderRecord folder : from.folders) {
@@ -48,10 +63,10 @@ class Inverter {
         const Batch& from = loaded.batch;
         const size_t firstStep = out_.steps.size();
         AddFolders(from);
+        PinRemade();
         batchId_ = from.header.id;
         for (auto i = static_cast<uint32_t>(from.steps.size()); i-- > 0;) {
-            // What finished a folder has nothing to take back: the folder's own step has.
-            if (!stands[i] || from.steps[i].kind == StepKind::kFinishFolder) continue;
+            if (!stands[i] || !HasInverse(from.steps[i])) continue;
             step_ = i;
             InvertStep(from, i);
         }
@@ -62,7 +77,36 @@ class Inverter {
         MakeFoldersFirst(firstStep);
     }
 
+    // Folders that will be made are whatever stands there then, in whichever batch's list they are.
+    void ForgetFoldersToBeMade() {
+        std::set<std::string> paths;
+        for (const Step& step : out_.steps) {
+            if (step.kind == StepKind::kMakeFolder) paths.insert(PathOf(out_.folders, step.target));
+        }
+        for (FolderRecord& folder : out_.folders) {
+            if (folder.parent == kNoIndex || folder.isKeep) continue;
+            if (paths.contains(PathOf(out_.folders, {folder.parent, folder.name}))) folder.inode = 0;
+        }
+    }
+
   private:
+    static std::string PathOf(const std::vector<FolderRecord>& folders, const Place& place) {
+        return StoredPathOf(folders, place.folder) + "/" + place.name;
+    }
+
+    // A folder that was removed and made again since, by an undo that was stopped, is the one to work in.
+    void PinRemade() {
+        if (made_.empty()) return;
+        for (size_t i = base_; i < out_.folders.size(); ++i) {
+            FolderRecord& folder = out_.folders[i];
+            if (folder.parent == kNoIndex || folder.isKeep) continue;
+            const auto found = made_.find(PathOf(out_.folders, {folder.parent, folder.name}));
+            if (found == made_.end()) continue;
+            folder.inode = found->second.inode;
+            folder.createdNs = found->second.createdNs;
+        }
+    }
+
     Place Moved(const Place& place) const {
         return {place.folder == kNoIndex ? kNoIndex : place.folder + base_, place.name};
     }
@@ -113,12 +157,14 @@ class Inverter {
                 AddFolderStep(StepKind::kRemoveFolder, step, item);
                 break;
             case StepKind::kRemoveFolder:
-                WillBeMade(target);
                 AddFolderStep(StepKind::kMakeFolder, step, item);
                 finishes_.push_back(FolderStep(StepKind::kFinishFolder, step));
                 finishItems_.push_back(item);
                 break;
             case StepKind::kFinishFolder:
+                if ((step.mode & 0700) != 0700) AddFolderStep(StepKind::kOpenFolder, step, item);
+                break;
+            case StepKind::kOpenFolder:
                 break;
         }
         if (IsReplace(step.kind)) AddRestore(index, step, target, item);
@@ -174,13 +220,6 @@ class Inverter {
     }
     void AddFolderStep(StepKind kind, const Step& of, uint32_t item) { Add(FolderStep(kind, of), item); }
 
-    // A folder that was removed and will be another one when it is made again.
-    void WillBeMade(const Place& place) {
-        for (FolderRecord& folder : out_.folders) {
-            if (folder.parent == place.folder && folder.name == place.name) folder.inode = 0;
-        }
-    }
-
     uint32_t ItemFor(const Batch& from, uint32_t item) {
         const auto key = std::pair(batchId_, item);
         const auto [known, isNew] = items_.try_emplace(key, static_cast<uint32_t>(out_.items.size()));
@@ -209,6 +248,7 @@ class Inverter {
     std::vector<uint32_t> finishItems_;
     std::map<std::pair<BatchId, uint32_t>, uint32_t> items_;
     std::map<uint32_t, uint32_t> keepFolders_;
+    std::map<std::string, FileIdentity> made_;
 };
 
 }  // namespace
@@ -287,7 +327,10 @@ size_t BatchChain::CountStanding(BatchKind by) const {
         const Batch& batch = batches_[b].batch;
         if (IsForward(batch.header.kind) != IsForward(by)) continue;
         for (size_t i = 0; i < batch.steps.size(); ++i) {
-            if (stands[b][i] && batch.steps[i].kind != StepKind::kFinishFolder) ++count;
+            if (stands[b][i] && batch.steps[i].kind != StepKind::kFinishFolder &&
+                batch.steps[i].kind != StepKind::kOpenFolder) {
+                ++count;
+            }
         }
     }
     return count;
@@ -315,10 +358,14 @@ Batch BatchChain::Invert(const BatchHeader& header) const {
     out.header.durability = sort().header.durability;
     const auto stands = FindStanding();
     Inverter inverter(out);
+    for (const LoadedBatch& loaded : batches_) {
+        inverter.NoteMadeFolders(loaded.batch);
+    }
     for (size_t b = batches_.size(); b-- > 0;) {
         if (IsForward(batches_[b].batch.header.kind) == IsForward(header.kind)) continue;
         inverter.InvertBatch(batches_[b], stands[b]);
     }
+    inverter.ForgetFoldersToBeMade();
     return out;
 }
 

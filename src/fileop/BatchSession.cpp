@@ -147,6 +147,7 @@ void SummarizeItems(const Batch& batch, const PathCodec& codec, const BatchPlann
     const std::vector<ItemTally> tallies = TallyItems(batch);
     for (size_t i = 0; i < batch.items.size(); ++i) {
         const ItemTally& tally = tallies[i];
+        if (planner == nullptr && !tally.hasSteps) continue;  // refused when it was planned, and told then
         ItemReport report;
         if (planner != nullptr) report = planner->refusal(i);
         report.item = i;

@@ -149,18 +149,35 @@ Status CopyContent(Sys& sys, const FileHandle& from, const FileInfo& before, con
     return isSame ? Status() : Status::Failure(StatusCode::kChanged);
 }
 
-Result<bool> HaveSameContent(Sys& sys, const FileHandle& a, const FileHandle& b) {
-    std::vector<std::byte> bufferA(256 << 10);
+Result<bool> HaveSameContent(Sys& sys, const FileHandle& a, const FileHandle& b, const CancelToken& cancel) {
+    const Result<FileInfo> infoA = sys.Stat(a);
+    const Result<FileInfo> infoB = sys.Stat(b);
+    if (!infoA.ok()) return infoA.status();
+    if (!infoB.ok()) return infoB.status();
+    if (infoA->size != infoB->size) return false;
+    const uint64_t size = infoA->size;
+    const bool haveHoles = infoA->allocated < size && infoB->allocated < size;
+    std::vector<std::byte> bufferA(std::min<uint64_t>(size, 256 << 10));
     std::vector<std::byte> bufferB(bufferA.size());
-    for (uint64_t at = 0;;) {
+    for (uint64_t at = 0; at < size;) {
+        if (cancel.isCancelled()) return Status::Failure(StatusCode::kInterrupted);
+        if (haveHoles) {
+            const Result<uint64_t> dataA = sys.NextData(a, at);
+            const Result<uint64_t> dataB = sys.NextData(b, at);
+            if (!dataA.ok()) return dataA.status();
+            if (!dataB.ok()) return dataB.status();
+            at = std::min(*dataA, *dataB);
+            if (at >= size) break;
+        }
         const Result<size_t> gotA = ReadUpTo(sys, a, at, bufferA);
         if (!gotA.ok()) return gotA.status();
         const Result<size_t> gotB = ReadUpTo(sys, b, at, bufferB);
         if (!gotB.ok()) return gotB.status();
         if (*gotA != *gotB || std::memcmp(bufferA.data(), bufferB.data(), *gotA) != 0) return false;
-        if (*gotA < bufferA.size()) return true;
+        if (*gotA == 0) break;
         at += *gotA;
     }
+    return true;
 }
 
 }  // namespace kinsort

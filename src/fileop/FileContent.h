@@ -31,7 +31,7 @@ using ByteSink = std::function<void(uint64_t)>;
 Status CopyContent(Sys& sys, const FileHandle& from, const FileInfo& before, const FileHandle& to,
                    const ByteSink& copied, const CancelToken& cancel);
 
-// Whether two files hold the same bytes.
-Result<bool> HaveSameContent(Sys& sys, const FileHandle& a, const FileHandle& b);
+// Whether two files hold the same bytes. What is a hole in both is not read. kInterrupted after a cancel.
+Result<bool> HaveSameContent(Sys& sys, const FileHandle& a, const FileHandle& b, const CancelToken& cancel);
 
 }  // namespace kinsort

@@ -272,14 +272,14 @@ TEST_F(FileContentTest, WholeFilesAreReadAndComparedByteByByte) {
         disk.WriteFile("/d/other", c.b);
         const FileHandle other = std::move(*disk.OpenForRead(folder, "other"));
         const FileHandle from = std::move(*disk.OpenForRead(folder, "from"));
-        EXPECT_EQ(*HaveSameContent(disk, from, other), c.same);
-        EXPECT_EQ(*HaveSameContent(disk, other, from), c.same);
+        EXPECT_EQ(*HaveSameContent(disk, from, other, CancelToken()), c.same);
+        EXPECT_EQ(*HaveSameContent(disk, other, from, CancelToken()), c.same);
     }
     // What cannot be read is not "different": the last copy would be removed for it.
     disk.WriteFile("/d/other", big);
     faults.AtKind(SysCall::kRead, faults.CountOf(SysCall::kRead) + 3, Fault::Fail(StatusCode::kIo));
     const FileHandle other = std::move(*faults.OpenForRead(*faults.OpenFolder("/d"), "other"));
-    EXPECT_EQ(HaveSameContent(faults, other, other).code(), StatusCode::kIo);
+    EXPECT_EQ(HaveSameContent(faults, other, other, CancelToken()).code(), StatusCode::kIo);
 }
 
 }  // namespace

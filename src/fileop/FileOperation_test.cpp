@@ -418,5 +418,43 @@ TEST_F(FileOperationTest, ACancelLeavesWholeItemsThatCanBeUndone) {
     }
 }
 
+TEST_F(FileOperationTest, ClosedFoldersAndTheirAttributesGoThereAndBack) {
+    disk.SetUserAttribute("/in/album", "user.tag", "blue");
+    disk.SetModeOf("/in/album/deep", 0555);
+    ExpectRoundTrip({{false, "/in/album", "/out/B"}}, kSkip,
+                    "in/ in/a.txt=AAA in/album/ in/album/deep/ in/album/deep/two.jpg=22 in/album/link->one.jpg "
+                    "in/album/one.jpg=1 in/b.txt=BBB out/ out/A/ out/B/ out/B/album/ out/B/album/deep/ "
+                    "out/B/album/deep/two.jpg=22 out/B/album/link->one.jpg out/B/album/one.jpg=1 usb/ usb/U/");
+    disk.SetModeOf("/in/album/deep", 0755);
+    const std::string before = BatchWorld::Snapshot(disk, false);
+    EXPECT_EQ(world.Run(disk, {{true, "/in/album", "/usb/U"}}, kSkip).done, 1u);
+    EXPECT_EQ(disk.ListTree("/usb/U").at(0).userAttributes.at("user.tag"), "blue");
+    EXPECT_EQ(world.Undo(disk).done, 1u);
+    EXPECT_EQ(BatchWorld::Snapshot(disk, false), before);
+}
+
+TEST_F(FileOperationTest, FewDescriptorsOnlyMakeItSlower) {
+    std::vector<Job> jobs;
+    for (int i = 0; i < 60; ++i) {
+        const std::string folder = "/out/F" + std::to_string(i % 20);
+        disk.MakeFolders(folder);
+        disk.WriteFile("/in/n" + std::to_string(i), "content");
+        jobs.push_back({i % 3 == 0, "/in/n" + std::to_string(i), folder});
+    }
+    const std::string before = BatchWorld::Snapshot(disk, false);
+    for (const bool isUndo : {false, true}) {
+        FaultSys sys(disk);
+        // Now and then there is no descriptor, whoever asks.
+        for (const SysCall call : {SysCall::kOpenFolder, SysCall::kOpenForRead, SysCall::kCreateNameless}) {
+            for (uint64_t count = 60; count < 200; count += 9)
+                sys.AtKind(call, count, Fault::Fail(StatusCode::kTooManyOpen));
+        }
+        const BatchResult result = isUndo ? world.Undo(sys) : world.Run(sys, jobs, kSkip);
+        EXPECT_GT(sys.strikes(), 0u);
+        EXPECT_EQ(result.done, jobs.size()) << isUndo;
+    }
+    EXPECT_EQ(BatchWorld::Snapshot(disk, false), before);
+}
+
 }  // namespace
 }  // namespace kinsort

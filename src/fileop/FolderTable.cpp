@@ -8,6 +8,7 @@ namespace {
 
 // Far below any limit on descriptors, and enough for the folders that one group works in.
 constexpr size_t kMostOpen = 48;
+constexpr size_t kFewOpen = 6;
 
 FolderRecord RecordOf(uint32_t parent, std::string name, const FileInfo* info) {
     FolderRecord record;
@@ -23,6 +24,9 @@ FolderRecord RecordOf(uint32_t parent, std::string name, const FileInfo* info) {
 }
 
 }  // namespace
+
+FolderTable::FolderTable(Sys& sys, std::vector<FolderRecord>& folders)
+    : sys_(sys), folders_(folders), mostOpen_(kMostOpen) {}
 
 Result<uint32_t> FolderTable::AddByPath(const std::string& storedPath) {
     if (const auto known = byPath_.find(storedPath); known != byPath_.end()) return known->second;
@@ -82,7 +86,7 @@ Result<std::shared_ptr<const FileHandle>> FolderTable::Open(uint32_t index) {
     }
     auto shared = std::make_shared<const FileHandle>(std::move(*handle));
     const std::unique_lock lock(cacheMutex_);
-    if (open_.size() >= kMostOpen) {
+    if (open_.size() >= mostOpen_) {
         open_.erase(openOrder_.front());
         openOrder_.pop_front();
     }
@@ -126,6 +130,11 @@ void FolderTable::SetMade(uint32_t index, const FileInfo& info) {
     folder.device = info.device;
     folder.inode = info.inode;
     folder.createdNs = info.createdNs;
+}
+
+void FolderTable::KeepFewOpen() {
+    CloseAll();
+    mostOpen_ = kFewOpen;
 }
 
 void FolderTable::CloseAll() {

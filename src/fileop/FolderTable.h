@@ -20,7 +20,7 @@ class FolderTable {
   public:
     // `folders` stays the caller's and may grow. Identities of folders that were just made, and the device numbers of
     // folders known from an earlier boot, are written into it.
-    FolderTable(Sys& sys, std::vector<FolderRecord>& folders) : sys_(sys), folders_(folders) {}
+    FolderTable(Sys& sys, std::vector<FolderRecord>& folders);
 
     // The index for a folder given by stored path, opened and pinned now. Each folder has one index, however it is
     // reached.
@@ -34,6 +34,8 @@ class FolderTable {
     Result<std::shared_ptr<const FileHandle>> Open(uint32_t index);
     // Says that `index` was just made and is `info`. Not while other threads open folders.
     void SetMade(uint32_t index, const FileInfo& info);
+    // From now on holds only a handful of folders open: descriptors have run out.
+    void KeepFewOpen();
     // Closes all, so that the next Open looks again.
     void CloseAll();
 
@@ -48,6 +50,7 @@ class FolderTable {
 
     Sys& sys_;
     std::vector<FolderRecord>& folders_;
+    size_t mostOpen_;
     // Every step of every thread looks here: readers must not wait for each other.
     mutable std::shared_mutex cacheMutex_;
     std::recursive_mutex openMutex_;  // a folder's parents are opened on the way

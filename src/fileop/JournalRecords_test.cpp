@@ -172,9 +172,9 @@ TEST(JournalRecordsTest, SenselessRecordsAreRefused) {
         {"item in no folder", RecordType::kItem, ItemWith(4, "x", 1)},
         {"item for no folder", RecordType::kItem, ItemWith(0, "x", 4)},
         {"item with a path", RecordType::kItem, ItemWith(0, "../x", 1)},
-        {"step beyond the next", RecordType::kStep, StepWith([](Step&) {}, StepKind::kMove, 11)},
+        {"step beyond the next", RecordType::kStep, StepWith([](Step&) {}, StepKind::kMove, 12)},
         {"step of no kind", RecordType::kStep, StepWith([](Step&) {}, static_cast<StepKind>(0))},
-        {"step of no kind", RecordType::kStep, StepWith([](Step&) {}, static_cast<StepKind>(11))},
+        {"step of no kind", RecordType::kStep, StepWith([](Step&) {}, static_cast<StepKind>(12))},
         {"odd flags", RecordType::kStep, WithByte(StepWith([](Step&) {}), 5, 4)},
         {"step of no item", RecordType::kStep, StepWith([](Step& s) { s.item = 2; })},
         {"first step that depends", RecordType::kStep, StepWith([](Step& s) { s.dependsOnPrevious = true; })},
@@ -210,7 +210,7 @@ TEST(JournalRecordsTest, SenselessRecordsAreRefused) {
         ASSERT_TRUE(ApplyAll(RecordsOf(sample), batch));
         EXPECT_FALSE(ApplyRecord({c.type, c.payload}, batch)) << c.what;
         EXPECT_EQ(batch.folders.size(), 4u) << c.what;
-        EXPECT_EQ(batch.steps.size(), 10u) << c.what;
+        EXPECT_EQ(batch.steps.size(), 11u) << c.what;
     }
 }
 

@@ -6,6 +6,7 @@ namespace kinsort {
 
 namespace {
 
+constexpr uint32_t kOwnerAll = 0700;
 constexpr uint32_t kPermissionBits = 01777;  // set-id bits do not travel: the copy may have another owner
 
 StepResult Failed(const Status& status, ItemReason reason = ItemReason::kSystem) {
@@ -348,8 +349,11 @@ StepResult StepActor::VerifyRemoval(uint32_t index) {
     if (copy.code() == StatusCode::kNotFound) return {ItemReason::kNotThereAnyMore, {}};
     if (!copy.ok()) return Failed(copy.status());
     if (!step.targetId.IsUnchanged(*copy)) return {ItemReason::kFileChangedSince, {}};
-    if (!OpenFolder(step.source.folder, false, originalFolder).ok()) return {ItemReason::kLastCopy, {}};
+    if (StepResult opened = OpenFolder(step.source.folder, false, originalFolder); !opened.ok()) {
+        return opened.reason == ItemReason::kSystem ? opened : StepResult{ItemReason::kLastCopy, {}};
+    }
     const Result<FileInfo> original = sys_.StatAt(*originalFolder, step.source.name);
+    if (!original.ok() && original.code() != StatusCode::kNotFound) return Failed(original.status());
     if (!original.ok() || original->kind != copy->kind) return {ItemReason::kLastCopy, {}};
     if (original->SameFile(*copy)) {
         // Two names of one file: removing one is safe, unless it is the same name seen through two folders.
@@ -365,7 +369,8 @@ StepResult StepActor::VerifyRemoval(uint32_t index) {
     const Result<FileHandle> b = sys_.OpenForRead(*originalFolder, step.source.name);
     if (!a.ok()) return Failed(a.status());
     if (!b.ok()) return Failed(b.status());
-    const Result<bool> isSame = HaveSameContent(sys_, *a, *b);
+    const Result<bool> isSame = HaveSameContent(sys_, *a, *b, cancel_);
+    if (cancel_.isCancelled()) return {ItemReason::kCancelled, {}};
     if (!isSame.ok()) return Failed(isSame.status());
     return *isSame ? StepResult() : StepResult{ItemReason::kLastCopy, {}};
 }
@@ -393,27 +398,42 @@ StepResult StepActor::ActOnFolder(uint32_t index, FileIdentity& made) {
             removed.ok() || removed.code() == StatusCode::kNotEmpty || removed.code() == StatusCode::kNotFound;
         return isExpected ? StepResult() : Failed(removed);
     }
-    const uint32_t mode = step.mode & kPermissionBits;
-    if (step.kind == StepKind::kMakeFolder) {
-        const Status status = sys_.MakeFolderAt(*parent, step.target.name, mode | 0700);
-        if (!status.ok() && status.code() != StatusCode::kExists) return Failed(status);
-        const Result<FileInfo> info = sys_.StatAt(*parent, step.target.name);
-        if (!info.ok()) {
-            if (status.ok()) (void)sys_.RemoveFolderAt(*parent, step.target.name);
-            return Failed(info.status());
-        }
-        if (info->kind != FileKind::kFolder) return {ItemReason::kTargetTaken, {}};
-        made = FileIdentity::Of(*info);
-        if ((info->mode & 0700) == 0700) return {};
-        const Result<FileHandle> closed = sys_.OpenFolderAt(*parent, step.target.name);
-        if (closed.ok()) (void)sys_.SetMode(*closed, mode | 0700);  // the contents will say if that did not help
-        return {};
-    }
+    if (step.kind == StepKind::kMakeFolder) return MakeFolder(step, *parent, made);
     const Result<FileHandle> folder = sys_.OpenFolderAt(*parent, step.target.name);
     if (!folder.ok()) return Failed(folder.status(), ItemReason::kTargetFolderChanged);
-    if (Status set = sys_.SetMode(*folder, mode); !set.ok()) return Failed(set);
+    const uint32_t mode = step.mode & kPermissionBits;
+    const bool isOpening = step.kind == StepKind::kOpenFolder;
+    if (Status set = sys_.SetMode(*folder, isOpening ? mode | kOwnerAll : mode); !set.ok()) return Failed(set);
+    if (isOpening) return {};
     const Status times = sys_.SetTimes(*folder, step.sourceId.modifiedNs, step.sourceId.modifiedNs);
     return times.ok() ? StepResult() : Failed(times);
+}
+
+StepResult StepActor::MakeFolder(const Step& step, const FileHandle& parent, FileIdentity& made) {
+    const uint32_t mode = step.mode & kPermissionBits;
+    const Status status = sys_.MakeFolderAt(parent, step.target.name, mode | kOwnerAll);
+    if (!status.ok() && status.code() != StatusCode::kExists) return Failed(status);
+    const Result<FileInfo> info = sys_.StatAt(parent, step.target.name);
+    if (!info.ok()) {
+        if (status.ok()) (void)sys_.RemoveFolderAt(parent, step.target.name);
+        return Failed(info.status());
+    }
+    if (info->kind != FileKind::kFolder) return {ItemReason::kTargetTaken, {}};
+    made = FileIdentity::Of(*info);
+    const Result<FileHandle> folder = sys_.OpenFolderAt(parent, step.target.name);
+    if (!folder.ok()) return {};  // what goes into it will say why not
+    if ((info->mode & kOwnerAll) != kOwnerAll) (void)sys_.SetMode(*folder, mode | kOwnerAll);
+    if (status.ok()) CopyFolderAttributes(step, *folder);
+    return {};
+}
+
+void StepActor::CopyFolderAttributes(const Step& step, const FileHandle& folder) {
+    Folder sourceParent;
+    if (step.source.folder == kNoIndex || !OpenFolder(step.source.folder, false, sourceParent).ok()) return;
+    const Result<FileHandle> source = sys_.OpenFolderAt(*sourceParent, step.source.name);
+    if (!source.ok() || !sys_.CopyUserAttributes(*source, folder).ok()) {
+        lostAttributes_.store(true, std::memory_order_relaxed);
+    }
 }
 
 }  // namespace kinsort

@@ -50,7 +50,7 @@ class StepActor {
     StepResult RemoveSource(uint32_t index, const FileInfo& copied, const FileIdentity& made);
     // Removes a transfer's target again and puts back what it replaced.
     StepResult TakeBack(uint32_t index, const FileIdentity& made);
-    // kMakeFolder, kFinishFolder, kRemoveFolder.
+    // kMakeFolder, kOpenFolder, kFinishFolder, kRemoveFolder.
     StepResult ActOnFolder(uint32_t index, FileIdentity& made);
 
     // Swaps the kept name of a replacing step, which holds the new file, with its target, which must be the file that
@@ -78,6 +78,8 @@ class StepActor {
     StepResult PlaceLink(const Step& step, const FileHandle& folder, const std::string& name, FileIdentity& made);
     StepResult RemoveVerified(uint32_t index);
     StepResult RemoveUnchangedSource(uint32_t index, const FileInfo& copied);
+    StepResult MakeFolder(const Step& step, const FileHandle& parent, FileIdentity& made);
+    void CopyFolderAttributes(const Step& step, const FileHandle& folder);
     Status RenameFile(const FileHandle& fromFolder, const std::string& from, const FileHandle& toFolder,
                       const std::string& to, FileKind kind);
     // Two names trade places: at once where the volume can, else by three renames.

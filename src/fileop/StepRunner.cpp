@@ -13,6 +13,8 @@ namespace {
 
 // Up to this many files are made durable one by one; beyond, the volume as a whole is cheaper.
 constexpr size_t kFewFiles = 4;
+// So often a step is tried anew: somebody who takes every new name as well wins in the end.
+constexpr uint32_t kMostReplans = 16;
 // A cancel lets the group's finished contents become visible when no more than this has to reach the disk for it.
 constexpr uint64_t kQuickToSync = uint64_t{64} << 20;
 
@@ -45,7 +47,20 @@ Status StepRunner::Run() {
         if (group.empty()) break;
         if (Status done = RunGroup(group); !done.ok()) return done;
     }
-    return {};
+    Group owed = TakeOwed();
+    return owed.empty() ? Status() : RunGroup(owed);
+}
+
+// Second steps of pairs whose first is done: what a cancel or a crash came between.
+StepRunner::Group StepRunner::TakeOwed() {
+    Group group;
+    for (uint32_t i = 1; i < batch_.steps.size(); ++i) {
+        if (!batch_.steps[i].dependsOnPrevious || batch_.states[i].progress != StepProgress::kPending) continue;
+        if (batch_.states[i - 1].progress != StepProgress::kDone) continue;
+        group.emplace_back();
+        group.back().index = i;
+    }
+    return group;
 }
 
 StepRunner::Group StepRunner::TakeGroup() {
@@ -93,7 +108,8 @@ Status StepRunner::RunGroup(Group& group) {
 
 void StepRunner::MakeFolders(Group& group) {
     for (Slot& slot : group) {
-        if (batch_.steps[slot.index].kind != StepKind::kMakeFolder) continue;
+        const StepKind kind = batch_.steps[slot.index].kind;
+        if (kind != StepKind::kMakeFolder && kind != StepKind::kOpenFolder) continue;
         slot.result = actor_.ActOnFolder(slot.index, batch_.states[slot.index].made);
         Settle(slot);
     }
@@ -152,7 +168,7 @@ void StepRunner::DropWhenCancelled(Group& group) {
         bytes += slot.content.file.isOpen() ? slot.content.source.size : 0;
     const bool dropAll = bytes > kQuickToSync;
     for (Slot& slot : group) {
-        if (slot.isSettled || !slot.result.ok()) continue;
+        if (slot.isSettled || !slot.result.ok() || batch_.steps[slot.index].dependsOnPrevious) continue;
         if (!dropAll && slot.content.file.isOpen()) continue;
         actor_.Discard(slot.index, slot.content);
         slot.isSettled = true;  // stays pending: not reached
@@ -255,7 +271,9 @@ Status StepRunner::FinishTransfers(Group& group) {
 void StepRunner::FinishFolders(Group& group) {
     for (Slot& slot : group) {
         const Step& step = batch_.steps[slot.index];
-        if (slot.isSettled || wasCancelled()) continue;
+        // Only what belongs to a step that is done already is still done after a cancel: no item is left half-way.
+        const bool isOwed = step.dependsOnPrevious && batch_.states[slot.index - 1].progress == StepProgress::kDone;
+        if (slot.isSettled || (wasCancelled() && !isOwed)) continue;
         const bool hasNewSteps = next_ < batch_.steps.size() && batch_.steps.size() > plannedSteps_;
         if (IsFolderStep(step.kind) && (!again_.empty() || hasNewSteps)) {
             finishLast_.push_front(slot.index);
@@ -311,7 +329,8 @@ Status StepRunner::RecordOutcome(Group& group) {
 
 void StepRunner::SettleFailure(Slot& slot) {
     const bool isPutOff = std::find(again_.begin(), again_.end(), slot.index) != again_.end();
-    if (isPutOff || slot.result.reason == ItemReason::kCancelled || TryReplan(slot)) return;
+    if (isPutOff || slot.result.reason == ItemReason::kCancelled) return;
+    if (TryWithFewerOpen(slot) || TryReplan(slot)) return;
     StepState& state = batch_.states[slot.index];
     const bool isSkip =
         slot.result.reason == ItemReason::kConflictSkipped || slot.result.reason == ItemReason::kNotThereAnyMore;
@@ -321,8 +340,15 @@ void StepRunner::SettleFailure(Slot& slot) {
     Count(slot);
 }
 
+bool StepRunner::TryWithFewerOpen(Slot& slot) {
+    if (slot.result.status.code() != StatusCode::kTooManyOpen || replans_[slot.index]++ >= kMostReplans) return false;
+    folders_.KeepFewOpen();
+    batch_.states[slot.index] = {};
+    again_.push_back(slot.index);
+    return true;
+}
+
 bool StepRunner::TryReplan(Slot& slot) {
-    constexpr uint32_t kMostReplans = 16;  // somebody who takes every new name as well wins in the end
     const auto stepCount = static_cast<uint32_t>(batch_.steps.size());
     Replan decision = Replan::kFailed;
     if (replans_[slot.index]++ >= kMostReplans) return false;

@@ -46,6 +46,7 @@ class StepRunner {
     using Group = std::vector<Slot>;
 
     Group TakeGroup();
+    Group TakeOwed();
     Status RunGroup(Group& group);
     void MakeFolders(Group& group);
     void PrepareAll(Group& group);
@@ -64,6 +65,7 @@ class StepRunner {
     void SettleFailure(Slot& slot);
     // Writes a changed or new step, with folders that only it uses, into the journal.
     void Rejournal(uint32_t index);
+    bool TryWithFewerOpen(Slot& slot);
     bool TryReplan(Slot& slot);
     void ForEach(Group& group, const std::function<void(Slot&)>& work);
     void Tick(const Group& group);

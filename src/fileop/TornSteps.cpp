@@ -92,7 +92,7 @@ bool TornSteps::IsSameAsSource(const Step& step, const Look& there, const Place&
     const Result<FileHandle> a = sys_.OpenForRead(*there.folder, place.name);
     const Result<FileHandle> b = sys_.OpenForRead(*source.folder, step.source.name);
     if (!a.ok() || !b.ok()) return false;
-    const Result<bool> isSame = HaveSameContent(sys_, *a, *b);
+    const Result<bool> isSame = HaveSameContent(sys_, *a, *b, neverCancelled_);
     return isSame.ok() && *isSame;
 }
 
