@@ -226,6 +226,7 @@ Result<std::vector<BatchSummary>> UndoHistory::List() {
         if (chain.Unfinished() != nullptr) {
             const bool isLocked = store.Lock(root).code() == StatusCode::kLocked;
             summary.state = isLocked ? BatchState::kRunning : BatchState::kUnfinished;
+            summary.isUndoTorn = chain.Unfinished()->batch.header.kind == BatchKind::kUndo;
         } else if (chain.CountStanding(BatchKind::kSort) == 0 && chain.CountStanding(BatchKind::kUndo) > 0) {
             summary.state = BatchState::kUndone;
         }

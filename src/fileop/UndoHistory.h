@@ -26,8 +26,9 @@ struct BatchSummary {
     BatchState state = BatchState::kDone;
     bool isMove = false;  // copy otherwise; of a batch with both: true
     bool cancelled = false;
-    int64_t startedNs = 0;  // wall clock, since 1970 UTC, to be shown only
-    uint64_t done = 0;      // items
+    bool isUndoTorn = false;  // kUnfinished: it is an undo of the batch that was torn, not the batch itself
+    int64_t startedNs = 0;    // wall clock, since 1970 UTC, to be shown only
+    uint64_t done = 0;        // items
     uint64_t failed = 0;
     uint64_t skipped = 0;
     uint64_t undone = 0;          // of the items done, those that are taken back at the moment

@@ -12,10 +12,13 @@ namespace {
 enum class Choice : uint8_t { kFinish, kUndo, kLeave };
 
 Choice AskChoice(CliContext& context, const BatchSummary& batch) {
-    context.console.PutMessage("Batch " + std::to_string(batch.id) + " of " + FormatLocalTime(batch.startedNs) + " (" +
-                               (batch.isMove ? "move" : "copy") + " into " + context.ShownPath(batch.searchFolder) +
-                               ") was interrupted after " + Counted(batch.done, "item") +
-                               ".\n[f]inish, [u]ndo, [l]eave: ");
+    const std::string what = "atch " + std::to_string(batch.id) + " of " + FormatLocalTime(batch.startedNs) + " (" +
+                             (batch.isMove ? "move" : "copy") + " into " + context.ShownPath(batch.searchFolder) +
+                             ") was interrupted";
+    context.console.PutMessage(
+        batch.isUndoTorn
+            ? "Taking back b" + what + ".\n[f]inish taking it back, [u]ndo that so that the batch stands, [l]eave: "
+            : "B" + what + " after " + Counted(batch.done, "item") + ".\n[f]inish, [u]ndo, [l]eave: ");
     for (;;) {
         const Result<std::string> typed = context.services.terminal.ReadLine();
         if (!typed.ok()) {
