@@ -1,7 +1,6 @@
 // The folder of journals: which batches there are, making, loading, locking and forgetting them.
 #pragma once
 
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -49,7 +48,6 @@ class JournalStore {
     Status Remove(BatchId id);
 
     const FileHandle& folder() const { return folder_; }
-    const std::string& path() const { return path_; }
 
   private:
     Status MakePath();

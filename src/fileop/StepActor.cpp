@@ -20,8 +20,8 @@ bool IsFolderGone(StatusCode code) {
 
 }  // namespace
 
-std::string SwapName(size_t stepIndex) {
-    return KeptName(stepIndex) + ".swap";
+std::string SwapName(const std::string& keptName) {
+    return keptName + ".swap";
 }
 
 StepResult StepActor::OpenFolder(uint32_t index, bool isTarget, Folder& folder) {
@@ -280,7 +280,7 @@ bool StepActor::IsStillKept(const FileHandle& keptFolder, uint32_t index, const 
 
 Status StepActor::SwapByRenames(const FileHandle& keptFolder, const std::string& kept, const FileHandle& targetFolder,
                                 const std::string& target) {
-    const std::string aside = kept + ".swap";
+    const std::string aside = SwapName(kept);
     if (Status moved = RenameFile(targetFolder, target, keptFolder, aside, FileKind::kFile); !moved.ok()) return moved;
     if (Status moved = RenameFile(keptFolder, kept, targetFolder, target, FileKind::kFile); !moved.ok()) {
         const Status back = RenameFile(keptFolder, aside, targetFolder, target, FileKind::kFile);

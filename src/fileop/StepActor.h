@@ -98,6 +98,6 @@ class StepActor {
 };
 
 // Where a replaced file waits for a moment on a volume that cannot swap two names.
-std::string SwapName(size_t stepIndex);
+std::string SwapName(const std::string& keptName);
 
 }  // namespace kinsort

@@ -186,16 +186,16 @@ void TornSteps::RemoveTemporary(uint32_t index) {
 // A volume that cannot swap names is left with the replaced file set aside: it is put where the rest expects it.
 void TornSteps::RepairSwap(uint32_t index) {
     const Step& step = batch_.steps[index];
-    const Look aside = LookAt({step.keptFolder, SwapName(index)});
+    const Look aside = LookAt({step.keptFolder, SwapName(KeptName(index))});
     if (!aside.info.ok()) return;
     const Look kept = LookAt({step.keptFolder, KeptName(index)});
     const Look target = LookAt(step.target);
     if (!target.folder) return;
     Status moved;
     if (target.info.code() == StatusCode::kNotFound) {
-        moved = sys_.RenameNoReplace(*aside.folder, SwapName(index), *target.folder, step.target.name);
+        moved = sys_.RenameNoReplace(*aside.folder, SwapName(KeptName(index)), *target.folder, step.target.name);
     } else if (kept.info.code() == StatusCode::kNotFound) {
-        moved = sys_.RenameNoReplace(*aside.folder, SwapName(index), *aside.folder, KeptName(index));
+        moved = sys_.RenameNoReplace(*aside.folder, SwapName(KeptName(index)), *aside.folder, KeptName(index));
     }
     failure_ = moved;
 }

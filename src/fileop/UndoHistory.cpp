@@ -15,6 +15,7 @@ namespace kinsort {
 namespace {
 
 const CancelToken kNeverCancelled;
+constexpr unsigned kThreads = 2;
 
 BatchResult Refused(Status status) {
     BatchResult result;
@@ -115,7 +116,6 @@ BatchResult ChainWork::TurnBack(BatchKind kind, ProgressSink* progress, const Ca
         (void)store_.Remove(created->id);
         return result;
     }
-    constexpr unsigned kThreads = 2;
     result.id = chain_->sort().header.id;
     result.status = session.Run(nullptr, nullptr, cancel, kThreads);
     result.cancelled = batch.isCancelled;
@@ -153,7 +153,6 @@ BatchResult ChainWork::Finish(const LoadedBatch& torn, bool onlySettle, Progress
     if (result.status = journal->Sync(); !result.status.ok()) return result;
     CancelToken stopAtOnce;
     if (onlySettle) stopAtOnce.Cancel();
-    constexpr unsigned kThreads = 2;
     BatchSession session(services_, store_, batch, folders, *journal, meter);
     result.status = session.Run(nullptr, nullptr, onlySettle ? stopAtOnce : cancel, kThreads);
     result.cancelled = batch.isCancelled && !onlySettle;
