@@ -60,6 +60,16 @@ struct FolderRequest {
 
 enum class ModifierKey : uint8_t { kShift, kControl, kAlt };
 
+// A part of the desktop that all screens share, in the pixels that windows are placed by. Right and bottom lie outside.
+struct ScreenRectangle {
+    int32_t left = 0;
+    int32_t top = 0;
+    int32_t right = 0;
+    int32_t bottom = 0;
+
+    bool operator==(const ScreenRectangle&) const = default;
+};
+
 class UserInterface {
   public:
     virtual ~UserInterface() = default;
@@ -83,6 +93,12 @@ class UserInterface {
     virtual WindowHandle MainWindow() = 0;
     // Puts a window of this or another program in front, as far as the desktop allows one program to do that.
     virtual void BringToForeground(WindowHandle window) = 0;
+
+    // Where a window of this or another program stands, its frame included. Nothing when the window is gone or the
+    // desktop does not say, and always nothing on a console.
+    virtual std::optional<ScreenRectangle> WindowRectangle(WindowHandle) { return std::nullopt; }
+    // The screen nearest to that window, or the main one for kNoWindow, less what panels keep for themselves.
+    virtual std::optional<ScreenRectangle> WorkArea(WindowHandle) { return std::nullopt; }
 };
 
 }  // namespace kinsort

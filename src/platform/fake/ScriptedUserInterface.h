@@ -3,6 +3,7 @@
 #pragma once
 
 #include <deque>
+#include <map>
 #include <optional>
 #include <set>
 #include <string>
@@ -21,6 +22,8 @@ class ScriptedUserInterface final : public UserInterface {
     std::u16string clipboard;
     std::set<ModifierKey> keysDown;
     WindowHandle mainWindow = kNoWindow;
+    std::map<WindowHandle, ScreenRectangle> windowRectangles;
+    std::optional<ScreenRectangle> workArea;  // of every window
 
     // What was asked, in order.
     std::vector<MessageRequest> messages;
@@ -48,6 +51,11 @@ class ScriptedUserInterface final : public UserInterface {
     bool IsKeyDown(ModifierKey key) override { return keysDown.contains(key); }
     WindowHandle MainWindow() override { return mainWindow; }
     void BringToForeground(WindowHandle window) override { broughtToFront.push_back(window); }
+    std::optional<ScreenRectangle> WindowRectangle(WindowHandle window) override {
+        const auto found = windowRectangles.find(window);
+        return found == windowRectangles.end() ? std::nullopt : std::optional(found->second);
+    }
+    std::optional<ScreenRectangle> WorkArea(WindowHandle) override { return workArea; }
 
   private:
     template <typename T>
