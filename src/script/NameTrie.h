@@ -1,0 +1,59 @@
+// Finds which of many names occur in a text, in one look at the text however many names there are.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+#include <vector>
+
+namespace kinsort {
+
+// Names and the number that each stands for. Names are added and never taken away.
+class NameTrie {
+  public:
+    static constexpr uint32_t kNone = UINT32_MAX;
+
+    NameTrie();
+
+    // Gives the name, which must not be empty, its number; an earlier number of the same name is forgotten.
+    void Add(std::u16string_view name, uint32_t number);
+
+    // The number of exactly this name, or kNone.
+    uint32_t Find(std::u16string_view name) const;
+
+    // Calls `see(number)` for every occurrence of every name, overlapping ones included.
+    template <typename See>
+    void ForEachOccurrence(std::u16string_view text, See&& see) const {
+        for (size_t start = 0; start < text.size(); ++start) {
+            if (!MayBegin(text[start])) continue;
+            uint32_t node = kRoot;
+            for (size_t i = start; i < text.size(); ++i) {
+                node = Child(node, text[i]);
+                if (node == kNone) break;
+                if (numbers_[node] != kNone) see(numbers_[node]);
+            }
+        }
+    }
+
+  private:
+    static constexpr uint32_t kRoot = 0;
+
+    // One edge of the tree, in an open-addressed table: from a node, by a unit, to a child.
+    struct Edge {
+        uint64_t key = 0;  // node and unit; 0 is a free place (no edge is keyed by the root and U+0000, see Key)
+        uint32_t child = kNone;
+    };
+    static uint64_t Key(uint32_t node, char16_t unit) { return (uint64_t{node} + 1) << 16 | unit; }
+    size_t PlaceOf(uint64_t key) const;
+    uint32_t Child(uint32_t node, char16_t unit) const { return edges_[PlaceOf(Key(node, unit))].child; }
+    void Grow();
+
+    bool MayBegin(char16_t unit) const { return (firstUnits_[unit >> 6 & 3] >> (unit & 63) & 1) != 0; }
+
+    std::vector<uint32_t> numbers_;         // of each node, kNone where no name ends
+    std::vector<Edge> edges_;               // a power of two of places, at most half of them taken
+    std::array<uint64_t, 4> firstUnits_{};  // a bit for the low byte of each first unit
+};
+
+}  // namespace kinsort
