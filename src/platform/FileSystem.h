@@ -2,8 +2,10 @@
 // not use it: it works on open folders through Sys.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -38,6 +40,32 @@ class FolderSearch {
     virtual bool Next(FindData& entry) = 0;
 };
 
+// A file that is read from its beginning to its end; closed when it goes.
+class InputFile {
+  public:
+    virtual ~InputFile() = default;
+    // Fills `bytes` as far as the file goes: fewer than asked for only at its end, 0 from then on. The end may come
+    // earlier than at the time of opening.
+    virtual Result<size_t> Read(std::span<std::byte> bytes) = 0;
+};
+
+// A file that is written to. What was handed over is buffered: it reaches the file when enough has come together, and
+// by Close() at the latest.
+class OutputFile {
+  public:
+    virtual ~OutputFile() = default;  // closes; a failure then goes unsaid
+    // Takes all of `bytes` or fails, kNoSpace above all. After a failure the file is what it was plus some of the
+    // bytes, in order, and every further call fails alike.
+    virtual Status Write(std::span<const std::byte> bytes) = 0;
+    // Writes what is still buffered and lets go of the file. Success when that was done before.
+    virtual Status Close() = 0;
+};
+
+enum class OutputStart : uint8_t {
+    kAppend,  // after what is there
+    kEmpty,   // what is there goes, at the moment of opening
+};
+
 class FileSystem {
   public:
     virtual ~FileSystem() = default;
@@ -51,6 +79,12 @@ class FileSystem {
     virtual Result<std::unique_ptr<FolderSearch>> OpenSearch(std::u16string_view pattern) = 0;
     // Creates one folder; kExists when the name is taken, kNotFound when the folder above is missing.
     virtual Status CreateFolder(std::u16string_view path) = 0;
+    // Opens a file for reading and keeps writers out: kLocked while an OutputFile is open on it, and no OutputFile can
+    // be opened meanwhile. Programs that do not ask are not kept out. kNotFound; kIsFolder; kAccessDenied.
+    virtual Result<std::unique_ptr<InputFile>> OpenInput(std::u16string_view path) = 0;
+    // Opens a file for writing, created when missing (the folder must be there), and keeps readers and writers out:
+    // kLocked, and the file unchanged, while it is open otherwise.
+    virtual Result<std::unique_ptr<OutputFile>> OpenOutput(std::u16string_view path, OutputStart start) = 0;
     // The absolute form of a path against the current folder, "." and ".." resolved as text, "/" turned into "\"
     // (text/PathSyntax.h). Fails when the path needs the current folder and that is gone.
     virtual Result<std::u16string> ResolveFullPath(std::u16string_view path) = 0;

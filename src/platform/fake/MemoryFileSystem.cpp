@@ -26,6 +26,43 @@ class Listing final : public FolderSearch {
     size_t next_ = 0;
 };
 
+class MemoryInput final : public InputFile {
+  public:
+    explicit MemoryInput(std::shared_ptr<MemoryFile> file) : file_(std::move(file)) { ++file_->readers; }
+    ~MemoryInput() override { --file_->readers; }
+    Result<size_t> Read(std::span<std::byte> bytes) override {
+        const std::string_view rest = std::string_view(file_->bytes).substr(std::min(next_, file_->bytes.size()));
+        const size_t count = std::min(rest.size(), bytes.size());
+        std::copy_n(reinterpret_cast<const std::byte*>(rest.data()), count, bytes.begin());
+        next_ += count;
+        return count;
+    }
+
+  private:
+    std::shared_ptr<MemoryFile> file_;
+    size_t next_ = 0;
+};
+
+class MemoryOutput final : public OutputFile {
+  public:
+    explicit MemoryOutput(std::shared_ptr<MemoryFile> file) : file_(std::move(file)) { file_->hasWriter = true; }
+    ~MemoryOutput() override { static_cast<void>(Close()); }
+    Status Write(std::span<const std::byte> bytes) override {
+        if (file_ == nullptr) return Status::Failure(StatusCode::kInvalid);
+        if (file_->isFull) return Status::Failure(StatusCode::kNoSpace, 28, u"No space left on device");
+        file_->bytes.append(reinterpret_cast<const char*>(bytes.data()), bytes.size());
+        return {};
+    }
+    Status Close() override {
+        if (file_ != nullptr) file_->hasWriter = false;
+        file_.reset();
+        return {};
+    }
+
+  private:
+    std::shared_ptr<MemoryFile> file_;
+};
+
 FindData FolderData(std::u16string_view name) {
     FindData data;
     data.name = name;
@@ -100,10 +137,31 @@ void MemoryFileSystem::AddFile(std::u16string_view path, uint64_t size, int64_t 
     AddEntry(key, data);
 }
 
+MemoryFile& MemoryFileSystem::FileAt(const std::u16string& key) {
+    std::shared_ptr<MemoryFile>& file = files_[key];
+    if (file == nullptr) file = std::make_shared<MemoryFile>(MemoryFile{std::string(entries_.at(key).size, '\0')});
+    return *file;
+}
+
+void MemoryFileSystem::SetContent(std::u16string_view path, std::string_view bytes) {
+    AddFile(path, bytes.size());
+    FileAt(KeyOf(path)).bytes = bytes;
+}
+
+std::string MemoryFileSystem::ContentOf(std::u16string_view path) const {
+    const auto file = files_.find(KeyOf(path));
+    return file == files_.end() ? std::string() : file->second->bytes;
+}
+
+void MemoryFileSystem::FillUp(std::u16string_view path) {
+    FileAt(KeyOf(path)).isFull = true;
+}
+
 void MemoryFileSystem::Remove(std::u16string_view path) {
     const std::u16string key = KeyOf(path);
-    std::erase_if(entries_,
-                  [&](const auto& entry) { return entry.first == key || entry.first.starts_with(key + u'\\'); });
+    const auto isInside = [&](const auto& entry) { return entry.first == key || entry.first.starts_with(key + u'\\'); };
+    std::erase_if(entries_, isInside);
+    std::erase_if(files_, isInside);
 }
 
 void MemoryFileSystem::SetCurrentFolder(std::u16string_view path) {
@@ -161,6 +219,40 @@ Status MemoryFileSystem::CreateFolder(std::u16string_view path) {
     if (code != StatusCode::kOk) return Status::Failure(code).At(std::u16string(path));
     AddEntry(key, FolderData(NameOf(key)));
     return {};
+}
+
+Result<std::unique_ptr<InputFile>> MemoryFileSystem::OpenInput(std::u16string_view path) {
+    const std::u16string key = KeyOf(path);
+    StatusCode code = StatusCode::kOk;
+    if (isFolder(key)) {
+        code = StatusCode::kIsFolder;
+    } else if (!entries_.contains(key)) {
+        code = StatusCode::kNotFound;
+    } else if (denied_.contains(std::u16string(ParentOf(key)))) {
+        code = StatusCode::kAccessDenied;
+    } else if (FileAt(key).hasWriter) {
+        code = StatusCode::kLocked;
+    }
+    if (code != StatusCode::kOk) return Status::Failure(code).At(std::u16string(path));
+    return std::unique_ptr<InputFile>(std::make_unique<MemoryInput>(files_.at(key)));
+}
+
+Result<std::unique_ptr<OutputFile>> MemoryFileSystem::OpenOutput(std::u16string_view path, OutputStart start) {
+    const std::u16string key = KeyOf(path);
+    const std::u16string parent(ParentOf(key));
+    StatusCode code = StatusCode::kOk;
+    if (isFolder(key)) {
+        code = StatusCode::kIsFolder;
+    } else if (!isFolder(parent)) {
+        code = entries_.contains(parent) ? StatusCode::kNotFolder : StatusCode::kNotFound;
+    } else if (denied_.contains(parent)) {
+        code = StatusCode::kAccessDenied;
+    }
+    if (code == StatusCode::kOk && !entries_.contains(key)) AddFile(path);
+    if (code == StatusCode::kOk && (FileAt(key).hasWriter || FileAt(key).readers > 0)) code = StatusCode::kLocked;
+    if (code != StatusCode::kOk) return Status::Failure(code).At(std::u16string(path));
+    if (start == OutputStart::kEmpty) FileAt(key).bytes.clear();
+    return std::unique_ptr<OutputFile>(std::make_unique<MemoryOutput>(files_.at(key)));
 }
 
 Result<std::u16string> MemoryFileSystem::ResolveFullPath(std::u16string_view path) {

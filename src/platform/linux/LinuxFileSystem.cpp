@@ -15,6 +15,7 @@
 #include <unicode/utf16.h>
 
 #include "platform/linux/LinuxError.h"
+#include "platform/linux/LinuxFileStreams.h"
 #include "platform/linux/PathWalk.h"
 #include "text/PathSyntax.h"
 #include "text/Wildcard.h"
@@ -158,6 +159,22 @@ class LinuxFileSystem final : public FileSystem {
         if (!place.ok()) return place.status().At(std::u16string(path));
         if (mkdirat(place->folder(), place->text.c_str(), 0777) == 0) return {};
         return StatusFromErrno(errno).At(std::u16string(path));
+    }
+
+    Result<std::unique_ptr<InputFile>> OpenInput(std::u16string_view path) override {
+        const Result<PathPlace> place = Place(path);
+        if (!place.ok()) return place.status().At(std::u16string(path));
+        Result<std::unique_ptr<InputFile>> file = OpenLinuxInput(*place);
+        if (!file.ok()) return file.status().At(std::u16string(path));
+        return file;
+    }
+
+    Result<std::unique_ptr<OutputFile>> OpenOutput(std::u16string_view path, OutputStart start) override {
+        const Result<PathPlace> place = Place(path);
+        if (!place.ok()) return place.status().At(std::u16string(path));
+        Result<std::unique_ptr<OutputFile>> file = OpenLinuxOutput(*place, start);
+        if (!file.ok()) return file.status().At(std::u16string(path));
+        return file;
     }
 
     Result<std::u16string> ResolveFullPath(std::u16string_view path) override {
