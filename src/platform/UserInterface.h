@@ -75,7 +75,7 @@ class UserInterface {
     virtual ~UserInterface() = default;
 
     // One of the buttons of the request. Closing the box without a choice counts as Cancel, as OK where that is the
-    // only button, and as No where there is a No but no Cancel.
+    // only button, as No where there is a No but no Cancel, and as Abort beside Retry and Ignore.
     virtual MessageAnswer ShowMessage(const MessageRequest& request) = 0;
     // The index of the choice; nothing when the user cancelled.
     virtual std::optional<size_t> ChooseOne(const ChoiceRequest& request) = 0;

@@ -35,8 +35,9 @@ class ScriptedUserInterface final : public UserInterface {
     MessageAnswer ShowMessage(const MessageRequest& request) override {
         messages.push_back(request);
         if (request.buttons == MessageButtons::kOk) return MessageAnswer::kOk;
-        const bool hasNoCancel = request.buttons == MessageButtons::kYesNo;
-        return Take(messageAnswers, hasNoCancel ? MessageAnswer::kNo : MessageAnswer::kCancel);
+        if (request.buttons == MessageButtons::kYesNo) return Take(messageAnswers, MessageAnswer::kNo);
+        if (request.buttons == MessageButtons::kAbortRetryIgnore) return Take(messageAnswers, MessageAnswer::kAbort);
+        return Take(messageAnswers, MessageAnswer::kCancel);
     }
     std::optional<size_t> ChooseOne(const ChoiceRequest& request) override {
         choiceRequests.push_back(request);
