@@ -1,0 +1,61 @@
+// One line of a script, taken apart once and kept for every time that it is run.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace kinsort {
+
+struct OptionLineRow;
+struct StatementRow;
+
+// In the order in which a line is tried.
+enum class LineKind : uint8_t {
+    kNothing,    // empty, a comment, "debug", "updatestate"
+    kEndOfFile,  // "EOF"
+    kFileClose,
+    kRemoveSelectItems,  // without a value
+    kElse,               // these two mean something inside of an if-block only
+    kEndIf,
+    kExitAll,
+    kExit,
+    kFor,
+    kNext,
+    kDo,
+    kWhile,
+    kContinue,
+    kBreak,
+    kGoto,
+    kIf,
+    kVar,
+    kStatement,  // an option, an assignment, a command, a label, or nothing that anybody knows
+};
+
+// "	Name = a, b " gives raw = the same, text = " Name = a, b ", statement = "Name = a, b", target = "Name",
+// key = "name", value = "a, b", rightSide = " a, b ". The views point into `text`; a line never moves.
+struct ScriptLine {
+    std::u16string raw;             // as in the file, with ?SelectedCount?, ?ScriptName? and ?ScriptPath? replaced
+    std::u16string text;            // the same with blanks for tabs
+    std::u16string_view statement;  // trimmed
+    LineKind kind = LineKind::kStatement;
+    size_t words = 0;               // pieces of the statement between blanks, empty ones not counted
+    int32_t number = 0;             // in the file, from 1
+    bool isPlainNext = false;       // the statement is "next" and nothing else
+    bool hasValue = false;          // there is a "="
+    std::u16string key;             // before the first "=", trimmed, lower case; empty without a "="
+    std::u16string_view target;     // the same with its case kept
+    std::u16string_view value;      // behind the "=", trimmed
+    std::u16string_view rightSide;  // behind the "=", as it stands
+
+    // What the key names; null when it names nothing of the kind.
+    const OptionLineRow* option = nullptr;
+    const StatementRow* command = nullptr;
+
+    ScriptLine() = default;
+    ScriptLine(const ScriptLine&) = delete;
+    ScriptLine& operator=(const ScriptLine&) = delete;
+};
+
+}  // namespace kinsort

@@ -1,0 +1,56 @@
+// The outside world as a script sees it. Whoever runs scripts fills one in: the dialog, the command line, a test. A
+// dry run is the same engine on services that only say what they would do.
+#pragma once
+
+#include "fileop/Progress.h"  // CancelToken
+#include "platform/Clock.h"
+#include "platform/CodePages.h"
+#include "platform/DesktopOpener.h"
+#include "platform/Environment.h"
+#include "platform/FileSystem.h"
+#include "platform/LocaleMap.h"
+#include "platform/PathCodec.h"
+#include "platform/Processes.h"
+#include "platform/Sleeper.h"
+#include "platform/SystemInfo.h"
+#include "platform/UserInterface.h"
+#include "platform/WindowMessages.h"
+
+namespace kinsort {
+
+class Messages;
+class Settings;
+class VelFolders;
+struct ScriptLine;
+struct ScriptRun;
+
+// Looks over the shoulder of a run; changes nothing.
+class ScriptObserver {
+  public:
+    virtual ~ScriptObserver() = default;
+    // Before each line that is executed; skipped blocks, comments and empty lines are not.
+    virtual void OnLine(ScriptRun& run, const ScriptLine& line) = 0;
+};
+
+// All of it outlives the run, nested runs included.
+struct ScriptServices {
+    FileSystem& files;
+    UserInterface& ui;
+    WindowMessages& windows;
+    Processes& processes;
+    DesktopOpener& opener;
+    const Environment& environment;
+    const PathCodec& codec;
+    const CodePages& codePages;
+    Settings& settings;  // the registry, too
+    VelFolders& folders;
+    Messages& messages;
+    Clock& clock;
+    Sleeper& sleeper;
+    const SystemInfo& system;
+    const LocaleMap& locale;
+    ScriptObserver* observer = nullptr;   // optional
+    const CancelToken* cancel = nullptr;  // optional; looked at before every line and while waiting
+};
+
+}  // namespace kinsort

@@ -1,0 +1,48 @@
+// Tables that are made of slices at compile time and looked things up in by name.
+#pragma once
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <string_view>
+
+#include "text/AsciiCase.h"
+
+namespace kinsort {
+
+// Names of tables in their order: by lower-cased units.
+constexpr bool ComesBefore(std::u16string_view a, std::u16string_view b) {
+    return std::lexicographical_compare(a.begin(), a.end(), b.begin(), b.end(),
+                                        [](char16_t x, char16_t y) { return AsciiLower(x) < AsciiLower(y); });
+}
+
+// All rows of the slices, sorted by `name`.
+template <typename Row, size_t... kSizes>
+consteval auto JoinSlices(std::u16string_view Row::*name, const std::array<Row, kSizes>&... slices) {
+    std::array<Row, (kSizes + ...)> table{};
+    auto place = table.begin();
+    ((place = std::copy(slices.begin(), slices.end(), place)), ...);
+    std::sort(table.begin(), table.end(), [name](const Row& a, const Row& b) { return ComesBefore(a.*name, b.*name); });
+    return table;
+}
+
+// True when every row has a name and a function and no name occurs twice.
+template <typename Table, typename Row>
+consteval bool IsSoundTable(const Table& table, std::u16string_view Row::*name) {
+    for (size_t i = 0; i < table.size(); ++i) {
+        if ((table[i].*name).empty() || table[i].function == nullptr || table[i].help.empty()) return false;
+        if (i > 0 && !ComesBefore(table[i - 1].*name, table[i].*name)) return false;
+    }
+    return true;
+}
+
+// Null when no row has that name, without regard to case.
+template <typename Table, typename Row>
+const Row* FindRow(const Table& table, std::u16string_view Row::*name, std::u16string_view wanted) {
+    const auto found =
+        std::lower_bound(table.begin(), table.end(), wanted,
+                         [name](const Row& row, std::u16string_view w) { return ComesBefore(row.*name, w); });
+    return found == table.end() || ComesBefore(wanted, *&((*found).*name)) ? nullptr : &*found;
+}
+
+}  // namespace kinsort
