@@ -2,10 +2,10 @@
 // forwards what happens to KinsortDlgEvents and draws what it is told; it decides nothing. Everything runs on the
 // thread of the view.
 //
-// Paths: the folder field shows and takes what people know ("/home/me/Pictures", "~/x", "file:///..."). The view hands
-// texts on as they stand in the controls and shows them as they are given; the presenter alone turns the field's text
-// into the inner form and back (app/FolderText.h). Everything else that passes here is in the inner form, dropped paths
-// included, but for the texts of popup menus and labels, which are ready to be shown.
+// Paths: the folder field shows and takes what people know ("/home/me/Pictures", "~/x", "file:///..."); its presenter,
+// CHistryComboBoxEx, alone turns that into the inner form and back (controls/FolderText.h), and the view hands on what
+// stands in the field. Texts of labels, titles and popup menus are ready to be shown. Every other path that passes here
+// is in the inner form, dropped paths included.
 #pragma once
 
 #include <cstddef>
@@ -22,9 +22,11 @@
 
 namespace kinsort {
 
-class CmdListView;
-class HistoryComboView;
+class CCmdListCtrl;
+class CHistryComboBoxEx;
+class ComboBoxView;
 class DirMenuView;
+class ListView;
 
 // The class under which the dialog's window is known to other programs.
 inline constexpr std::u16string_view kDialogWindowClass = u"#32770";
@@ -60,7 +62,7 @@ class KinsortDlgView {
     // program's window, or kNoWindow), and handles events until EndDialog was called and the event that called it has
     // been worked off. Returns EndDialog's result. Called once; `events` outlives the call.
     virtual int DoModal(WindowHandle parent, KinsortDlgEvents& events) = 0;
-    // Hides the window. It stays in existence, and owns other windows, until DoModal returns.
+    // Hides the window. It and its controls stay in existence, and it owns other windows, as long as the view lives.
     virtual void EndDialog(int result) = 0;
     // Runs `work` from the loop, after what is being worked off now and, when the window is about to be shown, after
     // that.
@@ -98,15 +100,28 @@ class KinsortDlgView {
     // Shows a popup menu centred on the middle of a control, one item for each text ("&" is an ordinary character
     // there), and waits. The index of the chosen one; nothing when the menu was dismissed.
     virtual std::optional<size_t> ShowPopupMenu(int controlId, const std::vector<std::u16string>& texts) = 0;
-    // Adds a column to the list, left-aligned; `width` in pixels at 100 %.
-    virtual void InsertListColumn(size_t index, std::u16string_view title, int width) = 0;
+
+    // --- the list (kIdList) ------------------------------------------------------------------------------------------
+
     // Small icons in front of the rows, whole rows selected.
     virtual void PrepareList() = 0;
+    // Adds a column, left-aligned; `width` in pixels at 100 %.
+    virtual void InsertListColumn(size_t index, std::u16string_view title, int width) = 0;
+    // How many rows the list asks CCmdListCtrl for. Draws nothing yet; what was scrolled to and selected stays, as far
+    // as it is still there.
+    virtual void SetListCount(size_t count) = 0;
+    // Erases and draws the list before it returns.
+    virtual void RedrawList() = 0;
+    virtual std::optional<size_t> SelectedListRow() const = 0;
 
-    // The windows of the controls that have presenters of their own.
-    virtual CmdListView& ListView() = 0;
-    virtual HistoryComboView& FolderView() = 0;
-    virtual DirMenuView& MenuView() = 0;
+    // --- controls with presenters of their own -----------------------------------------------------------------------
+
+    // What those presenters need of the screen. They live as long as the view.
+    virtual ListView& List() = 0;
+    virtual ComboBoxView& FolderBox() = 0;
+    virtual DirMenuView& FavoritesMenu() = 0;  // shows its menu at kIdFavorites
+    // Tells the view whom its list and its folder field report to. Called once, before DoModal; they outlive that.
+    virtual void AttachControls(CCmdListCtrl& list, CHistryComboBoxEx& folderBox) = 0;
 };
 
 }  // namespace kinsort
