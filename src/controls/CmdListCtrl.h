@@ -17,7 +17,7 @@
 #include <vector>
 
 #include "classify/ClassificationPlan.h"
-#include "controls/ListView.h"
+#include "controls/CmdListView.h"
 #include "controls/WorkerThreads.h"
 #include "platform/Clock.h"
 #include "platform/FileSystem.h"
@@ -38,7 +38,7 @@ class CCmdListCtrl {
     static constexpr size_t kMaxIconWorkers = 8;
 
     // All of them must outlive the control; see WorkerThreads.h for a worker that hangs.
-    CCmdListCtrl(ListView& view, Icons& icons, FileSystem& files, Clock& clock);
+    CCmdListCtrl(CmdListView& view, Icons& icons, FileSystem& files, Clock& clock);
     // Waits for running workers (WorkerThreads::kPatience at most) and frees the rows.
     ~CCmdListCtrl();
 
@@ -74,7 +74,7 @@ class CCmdListCtrl {
     bool IsInHand(size_t row) const;
     void FindTypeAhead(std::u16string_view text);
 
-    ListView& view_;
+    CmdListView& view_;
     Icons& icons_;
     FileSystem& files_;
     Clock& clock_;

@@ -17,8 +17,8 @@
 #include <string_view>
 #include <vector>
 
-#include "controls/ComboBoxView.h"
 #include "controls/FolderText.h"
+#include "controls/HistoryComboView.h"
 #include "controls/WorkerThreads.h"
 #include "platform/FileSystem.h"
 #include "platform/WindowHandle.h"
@@ -57,7 +57,7 @@ class CComplementComboBox {
     static constexpr size_t kMaxListings = 4;
 
     // All of them must outlive the box; see WorkerThreads.h for a listing that hangs.
-    CComplementComboBox(ComboBoxView& view, FileSystem& files, const FolderText& texts);
+    CComplementComboBox(HistoryComboView& view, FileSystem& files, const FolderText& texts);
     virtual ~CComplementComboBox();
     CComplementComboBox(const CComplementComboBox&) = delete;
     CComplementComboBox& operator=(const CComplementComboBox&) = delete;
@@ -103,7 +103,7 @@ class CComplementComboBox {
     virtual void AskToClearHistory() {}
     void ShowItems(std::vector<std::u16string> fullTexts);
     void PutText(std::u16string_view text);  // with the caret at the end and nothing selected
-    ComboBoxView& View() const { return view_; }
+    HistoryComboView& View() const { return view_; }
 
     std::vector<std::u16string> m_listItems;  // shown when the list is opened and nothing was completed
 
@@ -118,7 +118,7 @@ class CComplementComboBox {
     void OnListed(uint64_t number, std::vector<std::u16string> candidates);
     void EndListing();
 
-    ComboBoxView& view_;
+    HistoryComboView& view_;
     FileSystem& files_;
     const FolderText& texts_;
     std::u16string m_strChosen;                // text that the box gets when the list closes

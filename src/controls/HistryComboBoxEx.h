@@ -16,7 +16,7 @@ namespace kinsort {
 class CHistryComboBoxEx : public CComplementComboBox {
   public:
     // All of them must outlive the box.
-    CHistryComboBoxEx(ComboBoxView& view, FileSystem& files, const FolderText& texts, Settings& settings,
+    CHistryComboBoxEx(HistoryComboView& view, FileSystem& files, const FolderText& texts, Settings& settings,
                       Messages& messages, UserInterface& ui);
 
     // The values are called `valuePrefix` and the number of the entry in three digits, from 000 on, the newest first.

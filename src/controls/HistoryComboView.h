@@ -27,9 +27,9 @@ struct TextSelection {
     bool operator==(const TextSelection&) const = default;
 };
 
-class ComboBoxView {
+class HistoryComboView {
   public:
-    virtual ~ComboBoxView() = default;
+    virtual ~HistoryComboView() = default;
 
     virtual std::u16string Text() const = 0;
     // Where the caret goes is not said. The list stays as it is.

@@ -8,9 +8,9 @@
 
 namespace kinsort {
 
-class ListView {
+class CmdListView {
   public:
-    virtual ~ListView() = default;
+    virtual ~CmdListView() = default;
 
     // Has the rows, both included, drawn anew soon.
     virtual void RedrawItems(size_t first, size_t last) = 0;
