@@ -24,9 +24,10 @@ namespace kinsort {
 
 class CCmdListCtrl;
 class CHistryComboBoxEx;
-class ComboBoxView;
+class CmdListView;
+
 class DirMenuView;
-class ListView;
+class HistoryComboView;
 
 // The class under which the dialog's window is known to other programs.
 inline constexpr std::u16string_view kDialogWindowClass = u"#32770";
@@ -117,8 +118,8 @@ class KinsortDlgView {
     // --- controls with presenters of their own -----------------------------------------------------------------------
 
     // What those presenters need of the screen. They live as long as the view.
-    virtual ListView& List() = 0;
-    virtual ComboBoxView& FolderBox() = 0;
+    virtual CmdListView& List() = 0;
+    virtual HistoryComboView& FolderBox() = 0;
     virtual DirMenuView& FavoritesMenu() = 0;  // shows its menu at kIdFavorites
     // Tells the view whom its list and its folder field report to. Called once, before DoModal; they outlive that.
     virtual void AttachControls(CCmdListCtrl& list, CHistryComboBoxEx& folderBox) = 0;
