@@ -25,7 +25,6 @@ namespace kinsort {
 class CCmdListCtrl;
 class CHistryComboBoxEx;
 class CmdListView;
-
 class DirMenuView;
 class HistoryComboView;
 
@@ -121,8 +120,9 @@ class KinsortDlgView {
     virtual CmdListView& List() = 0;
     virtual HistoryComboView& FolderBox() = 0;
     virtual DirMenuView& FavoritesMenu() = 0;  // shows its menu at kIdFavorites
-    // Tells the view whom its list and its folder field report to. Called once, before DoModal; they outlive that.
-    virtual void AttachControls(CCmdListCtrl& list, CHistryComboBoxEx& folderBox) = 0;
+    // Tells the view whom its list and its folder field report to: once before DoModal, and once with nulls before
+    // those two go.
+    virtual void AttachControls(CCmdListCtrl* list, CHistryComboBoxEx* folderBox) = 0;
 };
 
 }  // namespace kinsort
