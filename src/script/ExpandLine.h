@@ -20,7 +20,7 @@ class VelFolders;
 // What expansion reads; everything is looked up afresh in every call.
 struct ExpansionScope {
     const VariableTable& variables;
-    const VelFolders& folders;
+    VelFolders& folders;
     const SystemInfo& system;
     Clock& clock;
     std::u16string currentFolder;

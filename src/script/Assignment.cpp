@@ -1,0 +1,140 @@
+#include "script/Assignment.h"
+
+#include <algorithm>
+#include <optional>
+
+#include "script/ArithmeticEvaluator.h"
+#include "script/NumberText.h"
+#include "text/AsciiCase.h"
+#include "text/Numbers.h"
+#include "text/Trim.h"
+
+namespace kinsort {
+
+namespace {
+
+constexpr std::u16string_view kClipboardFunction = u"GetClipboardText";
+
+int64_t ReadOperand(std::u16string_view text) {
+    return text.find(u'x') != text.npos ? ReadInt32AnyBase(text) : ReadInt64(text);
+}
+
+// In 64 bits that wrap; by zero is 0.
+int64_t Compute(char16_t op, int64_t left, int64_t right) {
+    const auto a = static_cast<uint64_t>(left);
+    const auto b = static_cast<uint64_t>(right);
+    switch (op) {
+        case u'+':
+            return static_cast<int64_t>(a + b);
+        case u'-':
+            return static_cast<int64_t>(a - b);
+        case u'*':
+            return static_cast<int64_t>(a * b);
+        case u'/':
+            return right == 0 ? 0 : left / right;  // `right` has no sign, so nothing overflows
+        default:
+            return right == 0 ? 0 : left % right;
+    }
+}
+
+// What "+5" and "&tail" make of the old value; nothing when the right side is no such form. `untrimmed` is the right
+// side with the blanks at its ends, which "&" keeps.
+std::optional<std::u16string> ComputeCompound(const std::u16string& old, std::u16string_view right,
+                                              std::u16string_view untrimmed) {
+    if (right.size() < 2) return std::nullopt;
+    const char16_t op = right.front();
+    if (op == u'&') return old + std::u16string(untrimmed.substr(untrimmed.find(u'&') + 1));
+    if (std::u16string_view(u"+-*/%").find(op) == std::u16string_view::npos) return std::nullopt;
+    const std::u16string_view operand = right.substr(1);
+    if (!IsIntegerText(operand)) return std::nullopt;
+    return FormatInteger(Compute(op, ReadOperand(old), ReadOperand(operand)));
+}
+
+FunctionResult CallFunction(std::u16string_view right, std::u16string_view statement, FunctionCaller& functions) {
+    const size_t comma = right.find(u',');
+    FunctionCall call{right, {}, 1, right, statement};
+    if (comma != right.npos) {
+        call.arguments = right.substr(comma + 1);
+        call.pieces = 1 + static_cast<size_t>(std::count(right.begin(), right.end(), u','));
+    } else if (!EqualNoCase(right, kClipboardFunction)) {
+        return FunctionResult::Unknown();
+    }
+    const std::u16string name = Trim(right.substr(0, comma));
+    call.name = name;
+    return functions.Call(call);
+}
+
+// The last step for everything but exact texts: hexadecimal numbers, then sums.
+AssignmentResult EvaluatePlain(std::u16string& value) {
+    if (value == kEmptyPlainResult) value.clear();
+    value = ReplaceHexLiterals(value);
+    if (value.empty() || !IsArithmeticText(value)) return AssignmentResult::kAssigned;
+    ArithmeticEvaluator evaluator;
+    switch (evaluator.Evaluate(value)) {
+        case ArithmeticEvaluator::Status::kSuccess:
+            break;
+        case ArithmeticEvaluator::Status::kDivisionByZero:
+            return AssignmentResult::kDivisionByZero;
+        case ArithmeticEvaluator::Status::kSyntaxError:
+            return AssignmentResult::kSyntaxError;
+    }
+    value = evaluator.result();
+    return AssignmentResult::kAssigned;
+}
+
+// What is to be stored, in `value`.
+AssignmentResult FindValue(std::u16string_view untrimmed, const std::u16string& old, std::u16string_view statement,
+                           FunctionCaller& functions, std::u16string& value) {
+    const std::u16string right = Trim(untrimmed);
+    if (std::optional<std::u16string> compound = ComputeCompound(old, right, untrimmed)) {
+        value = compound->empty() ? right : std::move(*compound);
+        return EvaluatePlain(value);
+    }
+    FunctionResult result = CallFunction(right, statement, functions);
+    value = std::move(result.value);
+    switch (result.kind) {
+        case FunctionResult::Kind::kEnded:
+            return AssignmentResult::kEnded;
+        case FunctionResult::Kind::kText:
+            return AssignmentResult::kAssigned;
+        case FunctionResult::Kind::kUnknown:
+            value = right;
+            break;
+        case FunctionResult::Kind::kPlain:
+            if (value.empty()) value = right.substr(right.find(u',') + 1);
+            break;
+    }
+    return EvaluatePlain(value);
+}
+
+// The variable that the left side names, "" when it names none; nothing when its index is too long.
+std::optional<std::u16string> FindTarget(std::u16string_view left, const ExpansionScope& scope) {
+    const std::u16string trimmed = Trim(left);
+    const IndexedName name = SplitIndexedName(trimmed);
+    if (!name.isIndexed()) return trimmed;
+    const std::optional<std::u16string> index = ExpandLine(name.index, scope, Trimming::kTrim);
+    if (!index) return std::nullopt;
+    return FormatIndexedName(name.base, *index);
+}
+
+}  // namespace
+
+AssignmentResult AssignVariable(std::u16string_view line, std::u16string_view statement, VariableTable& variables,
+                                const ExpansionScope& scope, FunctionCaller& functions) {
+    const size_t equals = line.find(u'=');
+    if (equals == line.npos || variables.empty()) return AssignmentResult::kNotAssignment;
+    const std::optional<std::u16string> target = FindTarget(line.substr(0, equals), scope);
+    if (!target) return AssignmentResult::kTooLong;
+    const std::u16string* const old = variables.Find(*target);
+    if (old == nullptr) return AssignmentResult::kNotAssignment;
+    const std::optional<std::u16string> right = ExpandLine(line.substr(equals + 1), scope, Trimming::kKeep);
+    if (!right) return AssignmentResult::kTooLong;
+
+    std::u16string value;
+    const AssignmentResult result = FindValue(*right, *old, statement, functions, value);
+    // A function may have declared variables (an included script), so the entry is looked up again.
+    if (result == AssignmentResult::kAssigned) variables.Assign(*target, std::move(value));
+    return result;
+}
+
+}  // namespace kinsort

@@ -1,0 +1,208 @@
+#include "script/ExpandLine.h"
+
+#include <array>
+#include <ctime>
+
+#include "framework/Paths.h"
+#include "framework/VelFolders.h"
+#include "text/Numbers.h"
+#include "text/Split.h"
+#include "text/Trim.h"
+#include "text/Utf8.h"
+
+namespace kinsort {
+
+namespace {
+
+// From this length on an item is given by its short form where there is one.
+constexpr size_t kLongItemLength = 260;
+
+// A date of more units is none.
+constexpr size_t kMaxDateLength = 127;
+
+struct DateToken {
+    std::u16string_view token;
+    const char* format;
+    std::u16string_view help;
+};
+constexpr DateToken kDateTokens[] = {
+    {u"?Date?", "%Y-%m-%d", u"today, as 2025-01-05"},
+    {u"?Time?", "%H-%M-%S", u"the time of day, as 09-07-03"},
+    {u"?Year?", "%Y", u"the year, four digits"},
+    {u"?Month?", "%m", u"the month, two digits"},
+    {u"?Day?", "%d", u"the day of the month, two digits"},
+    {u"?Hour?", "%H", u"the hour, 00 to 23"},
+    {u"?Minute?", "%M", u"the minute, two digits"},
+    {u"?Second?", "%S", u"the second, two digits"},
+    {u"?Week?", "%a", u"the day of the week, short"},
+    {u"?WEEK?", "%A", u"the day of the week"},
+    {u"?ShellTime?", "%c", u"date and time as the user's language writes them"},
+};
+
+constexpr TokenHelp kRunTokens[] = {
+    {u"?SelectedCount?", u"how many items were selected when the script began"},
+    {u"?ScriptName?", u"the script's file name"},
+    {u"?ScriptPath?", u"the script's folder, with its backslash"},
+};
+
+std::u16string Quote(std::u16string_view text) {
+    return std::u16string(u"\"").append(text).append(u"\"");
+}
+
+void ReplaceToken(std::u16string& text, std::u16string_view token, std::u16string_view value) {
+    if (text.find(token) != text.npos) text = Replace(text, token, value);
+}
+
+struct FolderToken {
+    std::u16string_view token;
+    std::u16string (*value)(const ExpansionScope& scope);
+    std::u16string_view help;
+};
+constexpr FolderToken kFolderTokens[] = {
+    {u"?Drive?", [](const ExpansionScope& scope) { return SplitPath(scope.otherFolder).drive; },
+     u"the drive of the other folder, as C:"},
+    {u"?Dir?", [](const ExpansionScope& scope) { return SplitPath(scope.otherFolder).folder; },
+     u"the other folder behind its drive, up to its last backslash"},
+    {u"?NowDir?",
+     [](const ExpansionScope& scope) { return Quote(RemoveTrailingSeparatorKeepRoot(scope.currentFolder)); },
+     u"the current folder, in quotation marks"},
+    {u"?nowdir?", [](const ExpansionScope& scope) { return RemoveTrailingSeparatorKeepRoot(scope.currentFolder); },
+     u"the current folder"},
+    {u"?TargetDir?", [](const ExpansionScope&) { return std::u16string(); }, u"always empty"},
+    {u"?TargetDrive?", [](const ExpansionScope&) { return std::u16string(); }, u"always empty"},
+};
+
+struct SelectedItem {
+    std::u16string path;    // short form if it is long and there is one
+    std::u16string folder;  // with its separator; empty when there is none
+    std::u16string baseName;
+    std::u16string extension;
+};
+
+struct ItemToken {
+    std::u16string_view token;
+    std::u16string (*value)(const SelectedItem& item);
+    std::u16string_view help;
+};
+constexpr ItemToken kItemTokens[] = {
+    {u"?SelFile?", [](const SelectedItem& item) { return Quote(item.path); }, u"the item, in quotation marks"},
+    {u"?selfile?", [](const SelectedItem& item) { return item.path; }, u"the item"},
+    {u"?FileName?", [](const SelectedItem& item) { return item.baseName + item.extension; }, u"its name"},
+    {u"?Name?", [](const SelectedItem& item) { return item.baseName; }, u"its name without the extension"},
+    {u"?Ext?", [](const SelectedItem& item) { return item.extension; }, u"its extension, with the point"},
+    {u"?filename?", [](const SelectedItem& item) { return Quote(item.baseName + item.extension); },
+     u"?FileName? in quotation marks"},
+    {u"?name?", [](const SelectedItem& item) { return Quote(item.baseName); }, u"?Name? in quotation marks"},
+    {u"?ext?", [](const SelectedItem& item) { return Quote(item.extension); }, u"?Ext? in quotation marks"},
+    {u"?selpath?", [](const SelectedItem& item) { return Quote(item.folder); }, u"?SelPath? in quotation marks"},
+    {u"?SelPath?", [](const SelectedItem& item) { return item.folder; }, u"its folder, with the backslash"},
+    {u"?SelParent?", [](const SelectedItem& item) { return RemoveTrailingSeparatorKeepRoot(item.folder); },
+     u"its folder"},
+};
+
+template <typename Table>
+bool HoldsOneOf(std::u16string_view text, const Table& table) {
+    for (const auto& row : table)
+        if (text.find(row.token) != text.npos) return true;
+    return false;
+}
+
+std::u16string FormatDate(const char* format, const std::tm& time) {
+    std::array<char, 4 * kMaxDateLength> bytes;
+    const size_t size = std::strftime(bytes.data(), bytes.size(), format, &time);
+    std::u16string text = FromUtf8(std::string_view(bytes.data(), size));
+    return text.size() > kMaxDateLength ? std::u16string() : text;
+}
+
+void FillInDates(std::u16string& text, Clock& clock) {
+    if (!HoldsOneOf(text, kDateTokens)) return;
+    constexpr int64_t kNanosecondsPerSecond = 1'000'000'000;
+    const auto seconds = static_cast<std::time_t>(clock.WallNanoseconds() / kNanosecondsPerSecond);
+    const std::tm* const time = std::localtime(&seconds);
+    for (const DateToken& row : kDateTokens)
+        ReplaceToken(text, row.token, time == nullptr ? std::u16string() : FormatDate(row.format, *time));
+}
+
+void FillInFolders(std::u16string& text, const ExpansionScope& scope) {
+    for (const FolderToken& row : kFolderTokens) {
+        if (text.find(row.token) == text.npos) continue;
+        ReplaceToken(text, row.token, scope.currentFolder.empty() ? std::u16string() : row.value(scope));
+    }
+    // A folder whose own name holds a token does not bring it in.
+    for (const FolderToken& row : kFolderTokens)
+        ReplaceToken(text, row.token, {});
+}
+
+SelectedItem TakeApart(const std::u16string& path, const SystemInfo& system) {
+    SelectedItem item;
+    item.path = path.size() >= kLongItemLength ? GetShortName(system, path) : path;
+    if (item.path.empty()) item.path = path;
+    item.folder = path.substr(0, path.find_last_of(u"\\/") + 1);
+    PathParts parts = SplitPath(path);
+    item.baseName = std::move(parts.baseName);
+    item.extension = std::move(parts.extension);
+    return item;
+}
+
+void FillInItem(std::u16string& text, const ExpansionScope& scope) {
+    const auto index = static_cast<size_t>(scope.forIndex);
+    if (scope.forIndex < 0 || index >= scope.selectedItems.size() || !HoldsOneOf(text, kItemTokens)) return;
+    const SelectedItem item = TakeApart(scope.selectedItems[index], scope.system);
+    for (const ItemToken& row : kItemTokens)
+        ReplaceToken(text, row.token, row.value(item));
+    for (const ItemToken& row : kItemTokens)
+        ReplaceToken(text, row.token, {});
+}
+
+void FillInPathTokens(std::u16string& text, const ExpansionScope& scope) {
+    if (text.find(u'%') != text.npos) text = scope.folders.ExpandDirectoryMacros(text);
+    if (text.find(u'?') == text.npos) return;
+    FillInDates(text, scope.clock);
+    FillInFolders(text, scope);
+}
+
+}  // namespace
+
+std::optional<std::u16string> ExpandLine(std::u16string_view text, const ExpansionScope& scope, Trimming trimming) {
+    std::u16string out(text);
+    if (!ExpandVariables(scope.variables, out)) return std::nullopt;
+    FillInPathTokens(out, scope);
+    if (out.find(u'?') != out.npos) FillInItem(out, scope);
+    const bool hasBlankEnd = !out.empty() && (IsWhiteSpace(out.front()) || IsWhiteSpace(out.back()));
+    if (trimming == Trimming::kTrim && hasBlankEnd) out = Trim(out);
+    return out;
+}
+
+std::u16string ExpandPathText(std::u16string_view text, const ExpansionScope& scope) {
+    std::u16string out(text);
+    FillInPathTokens(out, scope);
+    return out;
+}
+
+RunTokens::RunTokens(std::u16string_view scriptPath, size_t selectedCount)
+    : selectedCount_(FormatInteger(static_cast<int64_t>(selectedCount))),
+      scriptName_(GetFileNamePart(scriptPath)),
+      scriptPath_(GetDirectoryPart(scriptPath)) {}
+
+std::u16string RunTokens::Replace(std::u16string_view line) const {
+    std::u16string out(line);
+    if (out.find(u'?') == out.npos) return out;
+    ReplaceToken(out, kRunTokens[0].token, selectedCount_);
+    ReplaceToken(out, kRunTokens[1].token, scriptName_);
+    ReplaceToken(out, kRunTokens[2].token, scriptPath_);
+    return out;
+}
+
+std::vector<TokenHelp> ListTokens() {
+    std::vector<TokenHelp> tokens(std::begin(kRunTokens), std::end(kRunTokens));
+    const auto add = [&tokens](const auto& table) {
+        for (const auto& row : table)
+            tokens.push_back({row.token, row.help});
+    };
+    add(kDateTokens);
+    add(kFolderTokens);
+    add(kItemTokens);
+    return tokens;
+}
+
+}  // namespace kinsort

@@ -1,0 +1,55 @@
+#include "script/NameTrie.h"
+
+#include <utility>
+
+namespace kinsort {
+
+namespace {
+
+constexpr size_t kFirstPlaces = 64;
+
+}  // namespace
+
+NameTrie::NameTrie() : numbers_{kNone}, edges_(kFirstPlaces) {}
+
+// The place of the key, or the free one where it would go.
+size_t NameTrie::PlaceOf(uint64_t key) const {
+    const size_t mask = edges_.size() - 1;
+    size_t place = (key * 0x9E3779B97F4A7C15u >> 32) & mask;
+    while (edges_[place].key != key && edges_[place].key != 0)
+        place = (place + 1) & mask;
+    return place;
+}
+
+void NameTrie::Grow() {
+    const std::vector<Edge> old = std::exchange(edges_, std::vector<Edge>(edges_.size() * 2));
+    for (const Edge& edge : old)
+        if (edge.key != 0) edges_[PlaceOf(edge.key)] = edge;
+}
+
+void NameTrie::Add(std::u16string_view name, uint32_t number) {
+    uint32_t node = kRoot;
+    for (const char16_t unit : name) {
+        // Every node but the root has one edge that leads to it.
+        if (numbers_.size() * 2 > edges_.size()) Grow();
+        Edge& edge = edges_[PlaceOf(Key(node, unit))];
+        if (edge.key == 0) {
+            edge = {Key(node, unit), static_cast<uint32_t>(numbers_.size())};
+            numbers_.push_back(kNone);
+        }
+        node = edge.child;
+    }
+    numbers_[node] = number;
+    firstUnits_[name.front() >> 6 & 3] |= uint64_t{1} << (name.front() & 63);
+}
+
+uint32_t NameTrie::Find(std::u16string_view name) const {
+    uint32_t node = kRoot;
+    for (const char16_t unit : name) {
+        node = Child(node, unit);
+        if (node == kNone) return kNone;
+    }
+    return numbers_[node];
+}
+
+}  // namespace kinsort

@@ -1,0 +1,194 @@
+#include "script/VariableTable.h"
+
+#include <algorithm>
+
+#include "script/ScriptError.h"
+#include "text/AsciiCase.h"
+#include "text/Numbers.h"
+#include "text/Trim.h"
+
+namespace kinsort {
+
+namespace {
+
+constexpr std::u16string_view kReservedWords[] = {
+    u"if", u"endif", u"var",      u"goto",  u"exit", u"exitall", u"for",  u"next",
+    u"do", u"while", u"continue", u"break", u"skip", u"stop",    u"else", u"debug",
+};
+
+constexpr std::u16string_view kReservedMessage = u"This word is reserved and can not be used as a variable.\n";
+constexpr std::u16string_view kTooManyMessage = u"Too many variables (more than 1000000).\n";
+
+constexpr size_t kPieceSize = 4;
+constexpr int kMaxPasses = 10;
+
+uint64_t PackPiece(std::u16string_view piece) {
+    uint64_t packed = 0;
+    for (const char16_t unit : piece)
+        packed = packed << 16 | unit;
+    return packed;
+}
+
+// Which entries, of those that are replaced, occur in a text: the first of all, and the first from some place on.
+struct Occurring {
+    uint32_t first = NameTrie::kNone;
+    uint32_t next = NameTrie::kNone;
+};
+
+Occurring FindOccurring(const VariableTable& table, std::u16string_view text, uint32_t from) {
+    Occurring found;
+    const std::vector<VariableTable::Entry>& entries = table.entries();
+    table.names().ForEachOccurrence(text, [&](uint32_t number) {
+        if (!entries[number].isReplaced) return;
+        found.first = std::min(found.first, number);
+        if (number >= from) found.next = std::min(found.next, number);
+    });
+    return found;
+}
+
+// Every occurrence of `from`, left to right. False, and nothing changed, when the text would become too long.
+bool ReplaceWithin(std::u16string& text, std::u16string_view from, std::u16string_view to) {
+    size_t occurrences = 0;
+    for (size_t at = text.find(from); at != text.npos; at = text.find(from, at + from.size()))
+        ++occurrences;
+    const size_t rest = text.size() - occurrences * from.size();
+    if (rest > kMaxExpandedLength || (occurrences != 0 && to.size() > (kMaxExpandedLength - rest) / occurrences)) {
+        return false;
+    }
+    std::u16string out;
+    out.reserve(rest + occurrences * to.size());
+    size_t done = 0;
+    for (size_t at = text.find(from); at != text.npos; at = text.find(from, done)) {
+        out.append(text, done, at - done).append(to);
+        done = at + from.size();
+    }
+    text = std::move(out.append(text, done));
+    return true;
+}
+
+// One element or plain name. False, with the message, when it may not be declared.
+bool DeclareOne(VariableTable& table, const std::u16string& name, Declaration& result) {
+    result.message = CheckVariableName(table, name);
+    if (!result.message.empty()) return false;
+    table.Create(name);
+    ++result.created;
+    return true;
+}
+
+}  // namespace
+
+const std::u16string* VariableTable::Find(std::u16string_view name) const {
+    const uint32_t number = names_.Find(name);
+    return number == NameTrie::kNone ? nullptr : &entries_[number].value;
+}
+
+bool VariableTable::Create(std::u16string_view name, std::u16string_view value) {
+    if (name.empty() || entries_.size() >= kMaxEntries || Find(name) != nullptr) return false;
+    names_.Add(name, static_cast<uint32_t>(entries_.size()));
+    entries_.push_back({std::u16string(name), std::u16string(value), name != value});
+    RememberPieces(name);
+    return true;
+}
+
+bool VariableTable::Assign(std::u16string_view name, std::u16string value) {
+    const uint32_t number = names_.Find(name);
+    if (number == NameTrie::kNone) return false;
+    Entry& entry = entries_[number];
+    entry.value = std::move(value);
+    entry.isReplaced = entry.value != entry.name;
+    return true;
+}
+
+void VariableTable::RememberPieces(std::u16string_view name) {
+    for (size_t start = 0; start < name.size(); ++start)
+        for (size_t size = 1; size <= std::min(kPieceSize, name.size() - start); ++size)
+            pieces_.insert(PackPiece(name.substr(start, size)));
+}
+
+// False only when it is certain that no name contains the text.
+bool VariableTable::MayBeInsideOfAName(std::u16string_view text) const {
+    const size_t size = std::min(kPieceSize, text.size());
+    for (size_t start = 0; start + size <= text.size(); ++start)
+        if (!pieces_.contains(PackPiece(text.substr(start, size)))) return false;
+    return true;
+}
+
+const VariableTable::Entry* VariableTable::FindOverlap(std::u16string_view name) const {
+    bool mayOverlap = MayBeInsideOfAName(name);
+    if (!mayOverlap) names_.ForEachOccurrence(name, [&](uint32_t) { mayOverlap = true; });
+    if (!mayOverlap) return nullptr;  // so that declaring a large array does not compare each element with all others
+    const auto found = std::find_if(entries_.begin(), entries_.end(), [&](const Entry& entry) {
+        return entry.name.find(name) != entry.name.npos || name.find(entry.name) != name.npos;
+    });
+    return found == entries_.end() ? nullptr : &*found;
+}
+
+IndexedName SplitIndexedName(std::u16string_view text) {
+    const size_t open = text.find(u'[');
+    if (open == text.npos) return {std::u16string(text), {}};
+    const size_t close = text.find(u']', open);
+    if (close == text.npos || text.find_first_not_of(u']', close) != text.npos) return {std::u16string(text), {}};
+    return {Trim(text.substr(0, open)), Trim(text.substr(open + 1, close - open - 1))};
+}
+
+std::u16string FormatIndexedName(std::u16string_view base, std::u16string_view index) {
+    return std::u16string(base).append(u"[").append(index).append(u"]");
+}
+
+bool IsReservedWord(std::u16string_view word) {
+    return std::any_of(std::begin(kReservedWords), std::end(kReservedWords),
+                       [&](std::u16string_view reserved) { return EqualNoCase(word, reserved); });
+}
+
+std::u16string CheckVariableName(const VariableTable& table, std::u16string_view name) {
+    if (IsReservedWord(name)) return std::u16string(kReservedMessage).append(name);
+    if (table.Find(name) != nullptr) return std::u16string(ScriptErrorText(ScriptError::kAlreadyDeclared)).append(name);
+    const VariableTable::Entry* const other = table.FindOverlap(name);
+    if (other == nullptr) return {};
+    const bool isInside = other->name.find(name) != other->name.npos;
+    return std::u16string(ScriptErrorText(ScriptError::kNameOverlaps))
+        .append(isInside ? name : std::u16string_view(other->name))
+        .append(u"/")
+        .append(isInside ? std::u16string_view(other->name) : name);
+}
+
+Declaration DeclareVariable(VariableTable& table, std::u16string_view text) {
+    const std::u16string trimmed = Trim(text);
+    if (trimmed.empty()) return {};
+    const IndexedName name = SplitIndexedName(trimmed);
+    const int32_t size = name.isIndexed() ? ReadInt32(name.index) : 0;
+    if (size < 0) return {};
+    const size_t wanted = std::max<size_t>(static_cast<size_t>(size), 1);
+    if (wanted > VariableTable::kMaxEntries - table.entries().size()) {
+        return {0, std::u16string(kTooManyMessage) + trimmed};
+    }
+    Declaration result;
+    if (size == 0) {
+        DeclareOne(table, name.isIndexed() ? FormatIndexedName(name.base, name.index) : trimmed, result);
+        return result;
+    }
+    for (int32_t i = 0; i < size; ++i) {
+        if (DeclareOne(table, FormatIndexedName(name.base, FormatInteger(i)), result)) continue;
+        result.created = 0;
+        break;
+    }
+    return result;
+}
+
+bool ExpandVariables(const VariableTable& table, std::u16string& text) {
+    Occurring found = FindOccurring(table, text, 0);
+    if (found.first == NameTrie::kNone) return true;
+    std::u16string out = text;
+    for (int pass = 0; pass < kMaxPasses && found.first != NameTrie::kNone; ++pass) {
+        // Nothing is left of this pass when only earlier entries occur; they are the next pass's.
+        for (found.next = found.first; found.next != NameTrie::kNone;) {
+            const VariableTable::Entry& entry = table.entries()[found.next];
+            if (!ReplaceWithin(out, entry.name, entry.value)) return false;
+            found = FindOccurring(table, out, found.next + 1);
+        }
+    }
+    text = std::move(out);
+    return true;
+}
+
+}  // namespace kinsort
