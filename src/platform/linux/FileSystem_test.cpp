@@ -2,6 +2,7 @@
 #include "platform/FileSystem.h"
 
 #include <fstream>
+#include <span>
 
 #include <fcntl.h>
 #include <gmock/gmock.h>
@@ -39,6 +40,18 @@ FindData First(FileSystem& files, const std::u16string& pattern) {
 
 void WriteFile(const std::string& path, const std::string& content) {
     std::ofstream(path) << content;
+}
+
+Status Put(OutputFile& file, std::string_view text) {
+    return file.Write(std::as_bytes(std::span(text)));
+}
+
+// What an input file holds from where it stands, or "closed" with the reason's number.
+std::string Take(const Result<std::unique_ptr<InputFile>>& file) {
+    if (!file.ok()) return "closed " + std::to_string(static_cast<int>(file.code()));
+    std::string text(1 << 20, '?');
+    text.resize((*file)->Read(std::as_writable_bytes(std::span(text))).value());
+    return text;
 }
 
 // One tree: files "b.txt" (5 bytes), "A.TXT", ".dot", "~x" and folders "a", "Sub" (with "inner" in it), ".cfg".
@@ -139,6 +152,52 @@ TEST_P(FileSystemTest, FoldersAreCreatedOneAtATime) {
     EXPECT_EQ(files().CreateFolder(At(u"none\\x")).path(), At(u"none\\x"));
     EXPECT_EQ(files().CreateFolder(At(u"b.txt\\x")).code(), StatusCode::kNotFolder);
     EXPECT_EQ(files().CreateFolder(u"Z:\\").code(), StatusCode::kExists);
+}
+
+TEST_P(FileSystemTest, WrittenFilesAreReadBack) {
+    const std::u16string path = At(u"Sub\\new.txt");
+    const std::string large(300'000, 'x');
+    {
+        Result<std::unique_ptr<OutputFile>> file = files().OpenOutput(path, OutputStart::kAppend);
+        ASSERT_TRUE(file.ok());
+        EXPECT_TRUE(Put(**file, "one").ok() && Put(**file, "").ok() && Put(**file, large).ok());
+        EXPECT_TRUE((*file)->Close().ok() && (*file)->Close().ok());
+        EXPECT_EQ(Put(**file, "late").code(), StatusCode::kInvalid);
+    }
+    EXPECT_EQ(Take(files().OpenInput(path)), "one" + large);
+    { EXPECT_TRUE(Put(**files().OpenOutput(path, OutputStart::kAppend), "two").ok()); }
+    EXPECT_EQ(Take(files().OpenInput(path)), "one" + large + "two");
+    { EXPECT_TRUE(Put(**files().OpenOutput(path, OutputStart::kEmpty), "three").ok()); }
+    Result<std::unique_ptr<InputFile>> file = files().OpenInput(path);
+    EXPECT_EQ(Take(file), "three");
+    EXPECT_EQ(Take(file), "");
+
+    for (const OutputStart start : {OutputStart::kAppend, OutputStart::kEmpty}) {
+        EXPECT_EQ(files().OpenOutput(At(u"Sub"), start).code(), StatusCode::kIsFolder);
+        EXPECT_EQ(files().OpenOutput(At(u"none\\x"), start).code(), StatusCode::kNotFound);
+        EXPECT_EQ(files().OpenOutput(At(u"none\\x"), start).status().path(), At(u"none\\x"));
+    }
+    EXPECT_EQ(files().OpenInput(At(u"Sub")).code(), StatusCode::kIsFolder);
+    EXPECT_EQ(files().OpenInput(At(u"none")).code(), StatusCode::kNotFound);
+    EXPECT_EQ(files().OpenInput(At(u"none")).status().path(), At(u"none"));
+}
+
+TEST_P(FileSystemTest, AFileIsReadByManyOrWrittenByOne) {
+    const std::u16string path = At(u"b.txt");
+    {
+        const auto first = files().OpenInput(path);
+        const auto second = files().OpenInput(path);
+        EXPECT_TRUE(first.ok() && second.ok());
+        EXPECT_EQ(files().OpenOutput(path, OutputStart::kEmpty).code(), StatusCode::kLocked);
+    }
+    const std::string before = Take(files().OpenInput(path));
+    EXPECT_EQ(before.size(), 5u) << "emptied though it was locked";
+    const auto writer = files().OpenOutput(path, OutputStart::kAppend);
+    ASSERT_TRUE(writer.ok());
+    EXPECT_EQ(files().OpenInput(path).code(), StatusCode::kLocked);
+    EXPECT_EQ(files().OpenOutput(path, OutputStart::kEmpty).code(), StatusCode::kLocked);
+    EXPECT_TRUE((*writer)->Close().ok());
+    EXPECT_EQ(Take(files().OpenInput(path)), before);
 }
 
 TEST(MemoryFileSystemTest, CanBeMadeToRefuse) {
@@ -252,6 +311,29 @@ TEST_F(LinuxFileSystemTest, RelativePathsCountFromTheCurrentFolder) {
     EXPECT_EQ(files_->ResolveFullPath(u"D:\\x\\..").value(), u"D:\\");
     ASSERT_EQ(fchdir(before), 0);
     close(before);
+}
+
+TEST_F(LinuxFileSystemTest, AFullVolumeIsSaidAtTheLatestWhenTheFileIsClosed) {
+    if (access("/dev/full", W_OK) != 0) GTEST_SKIP() << "this system has no /dev/full";
+    Result<std::unique_ptr<OutputFile>> file = files_->OpenOutput(u"Z:\\dev\\full", OutputStart::kAppend);
+    ASSERT_TRUE(file.ok());
+    EXPECT_TRUE(Put(**file, "fits the buffer").ok());
+    EXPECT_EQ(Put(**file, std::string(100'000, 'x')).code(), StatusCode::kNoSpace);
+    EXPECT_EQ(Put(**file, "x").code(), StatusCode::kNoSpace);
+    EXPECT_EQ((*file)->Close().code(), StatusCode::kNoSpace);
+    file = files_->OpenOutput(u"Z:\\dev\\full", OutputStart::kEmpty);
+    EXPECT_TRUE(Put(**file, "x").ok());
+    EXPECT_EQ((*file)->Close().code(), StatusCode::kNoSpace);
+}
+
+TEST_F(LinuxFileSystemTest, AFileThatShrinksAndAPipeNobodyWritesToJustEnd) {
+    WriteFile(folder_.path() + "/file", std::string(100'000, 'x'));
+    Result<std::unique_ptr<InputFile>> file = files_->OpenInput(At("file"));
+    fs::resize_file(folder_.path() + "/file", 10);
+    EXPECT_EQ(Take(file), std::string(10, 'x'));
+    ASSERT_EQ(mkfifo((folder_.path() + "/pipe").c_str(), 0600), 0);
+    EXPECT_EQ(Take(files_->OpenInput(At("pipe"))), "");
+    EXPECT_FALSE(files_->OpenOutput(At("pipe"), OutputStart::kEmpty).ok()) << "nobody reads";
 }
 
 TEST_F(LinuxFileSystemTest, EntriesThatVanishAreLeftOut) {
