@@ -15,9 +15,9 @@ namespace kinsort {
 
 struct MessageLimits {
     int32_t frameMs = 5'000;    // for a message to come or go completely
-    int32_t answerMs = 60'000;  // for the receiver to answer: its handler may ask its user something
+    int32_t answerMs = 30'000;  // for the receiver to answer: its handler may ask its user something
     size_t connections = 64;    // at a time; more wait in the system's queue
-    size_t posted = 10'000;     // messages that wait for Dispatch(); further ones are dropped
+    size_t posted = 10'000;     // messages that wait for Dispatch(); senders of further ones wait
 };
 
 std::unique_ptr<WindowMessages> MakeLinuxWindowMessages();  // in the runtime folder, for the user the program runs as
