@@ -86,6 +86,7 @@ bool VariableTable::Create(std::u16string_view name, std::u16string_view value) 
     if (name.empty() || entries_.size() >= kMaxEntries || Find(name) != nullptr) return false;
     names_.Add(name, static_cast<uint32_t>(entries_.size()));
     entries_.push_back({std::u16string(name), std::u16string(value), name != value});
+    units_ += name.size() + value.size();
     RememberPieces(name);
     return true;
 }
@@ -94,6 +95,7 @@ bool VariableTable::Assign(std::u16string_view name, std::u16string value) {
     const uint32_t number = names_.Find(name);
     if (number == NameTrie::kNone) return false;
     Entry& entry = entries_[number];
+    units_ = units_ - entry.value.size() + value.size();
     entry.value = std::move(value);
     entry.isReplaced = entry.value != entry.name;
     return true;

@@ -28,6 +28,8 @@ class VariableTable {
     // In the order of declaration.
     const std::vector<Entry>& entries() const { return entries_; }
     bool empty() const { return entries_.empty(); }
+    // Of all names and values together, in code units.
+    size_t units() const { return units_; }
 
     // The value, valid until the next change; null for a name that is not declared.
     const std::u16string* Find(std::u16string_view name) const;
@@ -50,6 +52,7 @@ class VariableTable {
     void RememberPieces(std::u16string_view name);
 
     std::vector<Entry> entries_;
+    size_t units_ = 0;
     NameTrie names_;
     std::unordered_set<uint64_t> pieces_;  // every run of one to four units of every name
 };
