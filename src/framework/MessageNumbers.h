@@ -88,6 +88,9 @@ enum MessageNumber : uint16_t {
     kMsgRegistrySetAside = 64090,  // %1 the damaged file, %2 its new name
     kMsgRegistryDamaged = 64091,   // %1 the damaged file, which cannot be moved
 
+    // The dialog.
+    kMsgFolderTooLong = 64095,  // %1 characters that the folder field takes at most
+
     // Why something failed: this plus the value of its StatusCode. Of kOther: %1 the system's text.
     kMsgStatusFirst = 64100,
     // Why an item was not done: this plus the value of its ItemReason.
