@@ -32,4 +32,22 @@ size_t ClassificationPlan::GetCount() const {
     return m_items.size();
 }
 
+int ClassificationPlan::GetIcon(size_t index) const {
+    const std::lock_guard lock(m_csItems);
+    return index < m_items.size() ? m_items[index]->nIcon : -1;
+}
+
+std::optional<std::u16string> ClassificationPlan::GetPathWithoutIcon(size_t index) const {
+    const std::lock_guard lock(m_csItems);
+    if (index >= m_items.size() || m_items[index]->nIcon != -1) return std::nullopt;
+    return m_items[index]->strPath;
+}
+
+void ClassificationPlan::SetIcon(size_t index, std::u16string_view path, int icon) {
+    const std::lock_guard lock(m_csItems);
+    if (index >= m_items.size()) return;
+    CmdListItem& item = *m_items[index];
+    if (item.nIcon == -1 && item.strPath == path) item.nIcon = icon;
+}
+
 }  // namespace kinsort

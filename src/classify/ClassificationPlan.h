@@ -5,7 +5,9 @@
 #include <deque>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace kinsort {
@@ -29,6 +31,14 @@ class ClassificationPlan {
     void RemoveWithoutCandidate();
     void RemoveAll();
     size_t GetCount() const;
+
+    // Icons, from any thread. The icon of a row, -1 also when there is no such row.
+    int GetIcon(size_t index) const;
+    // The path of row `index` if there is such a row and it has no icon yet.
+    std::optional<std::u16string> GetPathWithoutIcon(size_t index) const;
+    // Gives row `index` its icon, if that still is a row with this path and without an icon.
+    void SetIcon(size_t index, std::u16string_view path, int icon);
+
     CmdListItem& operator[](size_t index) { return *m_items[index]; }
     const CmdListItem& operator[](size_t index) const { return *m_items[index]; }
     std::mutex& Lock() const { return m_csItems; }

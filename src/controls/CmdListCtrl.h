@@ -69,8 +69,6 @@ class CCmdListCtrl {
         size_t last;
         bool operator==(const RowRange&) const = default;
     };
-    // The part of the range from its first to its last row without an icon that nobody fetches.
-    std::optional<RowRange> MissingIcons(RowRange range) const;
     bool IsInHand(size_t row) const;
     void FindTypeAhead(std::u16string_view text);
 

@@ -12,7 +12,7 @@ class CmdListView {
   public:
     virtual ~CmdListView() = default;
 
-    // Has the rows, both included, drawn anew soon.
+    // Has the rows, both included, drawn anew soon; those that are there no longer are left out.
     virtual void RedrawItems(size_t first, size_t last) = 0;
     // The row with the focus mark.
     virtual std::optional<size_t> FocusedItem() const = 0;

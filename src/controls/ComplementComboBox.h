@@ -9,12 +9,16 @@
 // that listing. The list of an answer opens when the answer comes.
 #pragma once
 
+#include <atomic>
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
+#include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "controls/FolderText.h"
@@ -54,7 +58,7 @@ class CComplementComboBox {
   public:
     // Collecting stops beyond this many candidates.
     static constexpr size_t kMaxCandidates = 5000;
-    static constexpr size_t kMaxListings = 4;
+    static constexpr size_t kMaxListings = 16;
 
     // All of them must outlive the box; see WorkerThreads.h for a listing that hangs.
     CComplementComboBox(HistoryComboView& view, FileSystem& files, const FolderText& texts);
@@ -78,14 +82,19 @@ class CComplementComboBox {
     // The text that the user typed replaces what the end of the list would bring back, and closes a list that it no
     // longer fits.
     void OnEdit();
+    // The keyboard went elsewhere: a listing under way is no longer of interest.
+    void OnKillFocus();
     // `path` is the first of the dropped paths. The view has nothing more to do with the drop.
     void OnDropFiles(std::u16string_view path);
 
     // --- what can be done with it ------------------------------------------------------------------------------------
 
+    // The next item of an open list; otherwise Complete.
     void CompleteOrStep();
-    // Lists what `text` can become; ShowCompletion follows when the answer is there.
-    void Complete(std::u16string_view text);
+    // Lists what the text can become. When the answer is there: a single candidate becomes the text, several are shown
+    // in the list. The beginnings of a root ("\", "d", "d:", "~") are completed at once and list nothing.
+    void Complete();
+    // "C:\a\b\file.txt" becomes "C:\a\b\", that "C:\a\b", and that "C:\a\".
     void CutLastPart();
     // True when no listing runs; false after the limit. Their answers are posted by then, not yet delivered.
     bool WaitForListing(std::chrono::milliseconds limit) { return workers_.WaitForAll(limit); }
@@ -104,28 +113,30 @@ class CComplementComboBox {
     void ShowItems(std::vector<std::u16string> fullTexts);
     void PutText(std::u16string_view text);  // with the caret at the end and nothing selected
     HistoryComboView& View() const { return view_; }
+    // Runs the task later, unless the box is gone by then.
+    void PostToSelf(std::function<void()> task) { workers_.Post(std::move(task)); }
 
     std::vector<std::u16string> m_listItems;  // shown when the list is opened and nothing was completed
 
   private:
-    struct Listing;
     bool OnKeyInOpenList(const BoxKeyPress& press);
     bool OnKeyInClosedList(const BoxKeyPress& press);
-    void StepList(int direction);
+    void StepList(bool isForward);
     void DeleteToEnd();
-    void ShowCompletion();
-    bool CompleteRoot();
-    void OnListed(uint64_t number, std::vector<std::u16string> candidates);
+    std::u16string CompletedRoot() const;
+    void StartListing(const std::u16string& text);
+    void OnListed(uint64_t number, const std::vector<std::u16string>& candidates);
     void EndListing();
+    void ShowCompletion();
 
     HistoryComboView& view_;
     FileSystem& files_;
     const FolderText& texts_;
-    std::u16string m_strChosen;                // text that the box gets when the list closes
-    std::vector<std::u16string> m_candidates;  // full texts of the items, in their order
-    std::u16string m_strDropDir;               // relative text is completed against it
-    std::optional<std::u16string> awaited_;    // what the running listing was asked for
-    uint64_t listingNumber_ = 0;
+    std::u16string m_strChosen;                             // text that the box gets when the list closes
+    std::vector<std::u16string> m_candidates;               // full texts of the items, in their order
+    std::u16string m_strDropDir;                            // relative text is completed against it
+    std::optional<std::u16string> awaited_;                 // what the listing under way was asked for
+    std::shared_ptr<std::atomic<uint64_t>> listingNumber_;  // of that listing; the others give up
     WorkerThreads workers_;
 };
 

@@ -2,8 +2,8 @@
 // else works with.
 //
 // Shown are native paths ("/home/me/"). A path that is none, because it stands on another drive or share or begins with
-// a "\", is shown as it is. Nothing is lost on the way: ToInner(ToShown(path)) is the same path for every path, also
-// with bytes in a name that are no text.
+// a "\", is shown as it is. Nothing is lost on the way: ToInner(ToShown(path)) is the same path for every full
+// path, also with bytes in a name that are no text (they are lone surrogates on both sides).
 #pragma once
 
 #include <string>
@@ -12,6 +12,9 @@
 #include "platform/PathCodec.h"
 
 namespace kinsort {
+
+// "C:", "c:\\x": begins with a letter and ":".
+bool BeginsWithDrive(std::u16string_view text);
 
 class FolderText {
   public:

@@ -10,6 +10,7 @@
 #include <cstddef>
 #include <functional>
 #include <memory>
+#include <utility>
 
 namespace kinsort {
 
@@ -44,6 +45,8 @@ class WorkerThreads {
 
     // False when maxThreads are running, or the system has no thread to give.
     bool Start(std::function<void(const Link& link)> work);
+    // What Link::Post does, for the control itself.
+    void Post(std::function<void()> task) { Link(state_).Post(std::move(task)); }
     // Returns when no worker runs, true, or when the limit is over, false. Tasks that they posted have yet to run.
     bool WaitForAll(std::chrono::milliseconds limit);
 
