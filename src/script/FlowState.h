@@ -21,6 +21,8 @@ enum class LoopKind : uint8_t { kFor = 1, kDo = 2 };
 
 // Loops share one item and one pair of skip flags: nested "for" loops walk the items together.
 struct FlowState {
+    size_t current = 0;  // the line that is being run
+    size_t next = 0;     // the one that is run after it
     std::vector<IfState> ifs;
     std::vector<LoopKind> loops;
     std::vector<size_t> doBodies;  // the line after each open "do"

@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <string_view>
 
@@ -34,20 +35,19 @@ enum class LineKind : uint8_t {
 };
 
 // "	Name = a, b " gives raw = the same, text = " Name = a, b ", statement = "Name = a, b", target = "Name",
-// key = "name", value = "a, b", rightSide = " a, b ". The views point into `text`; a line never moves.
+// key = "name", value = "a, b". The views point into `text`; a line never moves.
 struct ScriptLine {
     std::u16string raw;             // as in the file, with ?SelectedCount?, ?ScriptName? and ?ScriptPath? replaced
     std::u16string text;            // the same with blanks for tabs
     std::u16string_view statement;  // trimmed
     LineKind kind = LineKind::kStatement;
-    size_t words = 0;               // pieces of the statement between blanks, empty ones not counted
-    int32_t number = 0;             // in the file, from 1
-    bool isPlainNext = false;       // the statement is "next" and nothing else
-    bool hasValue = false;          // there is a "="
-    std::u16string key;             // before the first "=", trimmed, lower case; empty without a "="
-    std::u16string_view target;     // the same with its case kept
-    std::u16string_view value;      // behind the "=", trimmed
-    std::u16string_view rightSide;  // behind the "=", as it stands
+    size_t words = 0;            // pieces of the statement between blanks, empty ones not counted
+    int32_t number = 0;          // in the file, from 1
+    bool isPlainNext = false;    // the statement is "next" and nothing else
+    bool hasValue = false;       // there is a "="
+    std::u16string key;          // before the first "=", trimmed, lower case; empty without a "="
+    std::u16string_view target;  // the same with its case kept
+    std::u16string_view value;   // behind the "=", trimmed
 
     // What the key names; null when it names nothing of the kind.
     const OptionLineRow* option = nullptr;
@@ -57,5 +57,8 @@ struct ScriptLine {
     ScriptLine(const ScriptLine&) = delete;
     ScriptLine& operator=(const ScriptLine&) = delete;
 };
+
+// Takes a line apart. `raw` has the tokens of the run replaced.
+std::unique_ptr<ScriptLine> ParseScriptLine(std::u16string raw, int32_t number);
 
 }  // namespace kinsort

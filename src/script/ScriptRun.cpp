@@ -26,6 +26,8 @@ ScriptRun::ScriptRun(ScriptSession& theSession, const ScriptCall& theCall, Varia
       selectedItems(theCall.selectedItems),
       variables(theVariables),
       optionTable(theOptionTable),
+      source(services.files),
+      tokens(theCall.scriptPath, theCall.selectedItems.size()),
       scope{theVariables,          services.folders,    services.system,       services.clock,
             theCall.currentFolder, theCall.otherFolder, theCall.selectedItems, -1},
       processes{services.processes,   services.opener, services.ui, services.files,

@@ -18,6 +18,7 @@
 #include "script/LineOutcome.h"
 #include "script/Script.h"
 #include "script/ScriptError.h"
+#include "script/ScriptSource.h"
 #include "script/VariableTable.h"
 
 namespace kinsort {
@@ -53,6 +54,8 @@ struct ScriptRun {
 
     // --- the run's own -----------------------------------------------------------------------------------------------
 
+    ScriptSource source;
+    RunTokens tokens;
     // What ExpandLine needs; scope.forIndex is the current item of a running "for" loop, -1 outside of one.
     ExpansionScope scope;
     FlowState flow;

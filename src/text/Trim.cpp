@@ -21,7 +21,11 @@ std::u16string_view WithoutEnd(std::u16string_view text, Predicate goes) {
 }  // namespace
 
 std::u16string Trim(std::u16string_view text) {
-    return std::u16string(WithoutEnd(WithoutStart(text, IsWhiteSpace), IsWhiteSpace));
+    return std::u16string(TrimView(text));
+}
+
+std::u16string_view TrimView(std::u16string_view text) {
+    return WithoutEnd(WithoutStart(text, IsWhiteSpace), IsWhiteSpace);
 }
 
 std::u16string TrimStart(std::u16string_view text) {

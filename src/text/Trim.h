@@ -15,6 +15,8 @@ constexpr bool IsWhiteSpace(char16_t unit) {
 }
 
 std::u16string Trim(std::u16string_view text);
+// The same as a piece of the text, without a copy.
+std::u16string_view TrimView(std::u16string_view text);
 std::u16string TrimStart(std::u16string_view text);
 std::u16string TrimEnd(std::u16string_view text);
 
