@@ -19,15 +19,7 @@ constexpr std::u16string_view kReservedWords[] = {
 constexpr std::u16string_view kReservedMessage = u"This word is reserved and can not be used as a variable.\n";
 constexpr std::u16string_view kTooManyMessage = u"Too many variables (more than 1000000).\n";
 
-constexpr size_t kPieceSize = 4;
 constexpr int kMaxPasses = 10;
-
-uint64_t PackPiece(std::u16string_view piece) {
-    uint64_t packed = 0;
-    for (const char16_t unit : piece)
-        packed = packed << 16 | unit;
-    return packed;
-}
 
 // Which entries, of those that are replaced, occur in a text: the first of all, and the first from some place on.
 struct Occurring {
@@ -75,6 +67,26 @@ bool DeclareOne(VariableTable& table, const std::u16string& name, Declaration& r
     return true;
 }
 
+// base[0] to base[size - 1]. Elements of one array are never part of each other, so when no name holds "base[" yet, an
+// element is only looked through for the names that stand before the array: a large one takes no time.
+void DeclareArray(VariableTable& table, std::u16string_view base, int32_t size, Declaration& result) {
+    const std::u16string opened = std::u16string(base).append(u"[");
+    const std::vector<VariableTable::Entry>& entries = table.entries();
+    const bool isFresh = std::none_of(entries.begin(), entries.end(), [&](const VariableTable::Entry& entry) {
+        return entry.name.find(opened) != entry.name.npos;
+    });
+    for (int32_t i = 0; i < size; ++i) {
+        const std::u16string name = FormatIndexedName(base, FormatInteger(i));
+        if (isFresh && !table.HoldsNameWithin(name)) {
+            table.Create(name);
+            ++result.created;
+        } else if (!DeclareOne(table, name, result)) {
+            result.created = 0;
+            return;
+        }
+    }
+}
+
 }  // namespace
 
 const std::u16string* VariableTable::Find(std::u16string_view name) const {
@@ -87,7 +99,6 @@ bool VariableTable::Create(std::u16string_view name, std::u16string_view value) 
     names_.Add(name, static_cast<uint32_t>(entries_.size()));
     entries_.push_back({std::u16string(name), std::u16string(value), name != value});
     units_ += name.size() + value.size();
-    RememberPieces(name);
     return true;
 }
 
@@ -101,24 +112,13 @@ bool VariableTable::Assign(std::u16string_view name, std::u16string value) {
     return true;
 }
 
-void VariableTable::RememberPieces(std::u16string_view name) {
-    for (size_t start = 0; start < name.size(); ++start)
-        for (size_t size = 1; size <= std::min(kPieceSize, name.size() - start); ++size)
-            pieces_.insert(PackPiece(name.substr(start, size)));
-}
-
-// False only when it is certain that no name contains the text.
-bool VariableTable::MayBeInsideOfAName(std::u16string_view text) const {
-    const size_t size = std::min(kPieceSize, text.size());
-    for (size_t start = 0; start + size <= text.size(); ++start)
-        if (!pieces_.contains(PackPiece(text.substr(start, size)))) return false;
-    return true;
+bool VariableTable::HoldsNameWithin(std::u16string_view text) const {
+    bool holds = false;
+    names_.ForEachOccurrence(text, [&](uint32_t) { holds = true; });
+    return holds;
 }
 
 const VariableTable::Entry* VariableTable::FindOverlap(std::u16string_view name) const {
-    bool mayOverlap = MayBeInsideOfAName(name);
-    if (!mayOverlap) names_.ForEachOccurrence(name, [&](uint32_t) { mayOverlap = true; });
-    if (!mayOverlap) return nullptr;  // so that declaring a large array does not compare each element with all others
     const auto found = std::find_if(entries_.begin(), entries_.end(), [&](const Entry& entry) {
         return entry.name.find(name) != entry.name.npos || name.find(entry.name) != name.npos;
     });
@@ -165,15 +165,10 @@ Declaration DeclareVariable(VariableTable& table, std::u16string_view text) {
         return {0, std::u16string(kTooManyMessage) + trimmed};
     }
     Declaration result;
-    if (size == 0) {
+    if (size > 0)
+        DeclareArray(table, name.base, size, result);
+    else
         DeclareOne(table, name.isIndexed() ? FormatIndexedName(name.base, name.index) : trimmed, result);
-        return result;
-    }
-    for (int32_t i = 0; i < size; ++i) {
-        if (DeclareOne(table, FormatIndexedName(name.base, FormatInteger(i)), result)) continue;
-        result.created = 0;
-        break;
-    }
     return result;
 }
 

@@ -7,7 +7,6 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
-#include <unordered_set>
 #include <vector>
 
 #include "script/NameTrie.h"
@@ -47,14 +46,13 @@ class VariableTable {
     // The names by their characters; values are indices into entries().
     const NameTrie& names() const { return names_; }
 
-  private:
-    bool MayBeInsideOfAName(std::u16string_view text) const;
-    void RememberPieces(std::u16string_view name);
+    // True when some name occurs in the text.
+    bool HoldsNameWithin(std::u16string_view text) const;
 
+  private:
     std::vector<Entry> entries_;
     size_t units_ = 0;
     NameTrie names_;
-    std::unordered_set<uint64_t> pieces_;  // every run of one to four units of every name
 };
 
 // "a[i]" as base and index, both trimmed. The index is empty for a plain name and for a text that is malformed (the
