@@ -2,10 +2,10 @@
 
 #include <algorithm>
 #include <array>
-#include <ctime>
 
 #include "cli/ShownText.h"
 #include "cli/Texts.h"
+#include "text/Amounts.h"
 
 namespace kinsort {
 namespace {
@@ -63,14 +63,6 @@ bool ReadConflictReply(std::string_view typed, bool canReplace, ConflictReply& r
         return true;
     }
     return false;
-}
-
-std::string FormatLocalTime(int64_t ns) {
-    const auto seconds = static_cast<std::time_t>(ns / 1'000'000'000);
-    const std::tm* const local = std::localtime(&seconds);
-    std::array<char, 32> text{};
-    if (local == nullptr || std::strftime(text.data(), text.size(), "%Y-%m-%d %H:%M", local) == 0) return "(no date)";
-    return text.data();
 }
 
 std::string ConsoleAsker::DescribeSide(std::string_view label, const ConflictSide& side) const {

@@ -33,7 +33,4 @@ class ConsoleAsker : public AskUserAction {
     uint64_t unanswered_ = 0;
 };
 
-// The local time of a moment, "2024-05-31 14:03".
-std::string FormatLocalTime(int64_t ns);
-
 }  // namespace kinsort

@@ -5,6 +5,8 @@
 #include <cmath>
 #include <cstdio>
 
+#include "text/Amounts.h"
+
 namespace kinsort {
 namespace {
 
@@ -56,29 +58,6 @@ std::string FitDetails(const Details& details, size_t columns) {
 }
 
 }  // namespace
-
-std::string FormatSize(double bytes) {
-    constexpr std::array<const char*, 7> kUnits = {"B", "kB", "MB", "GB", "TB", "PB", "EB"};
-    size_t unit = 0;
-    while (bytes >= 999.5 && unit + 1 < kUnits.size()) {
-        bytes /= 1000;
-        ++unit;
-    }
-    std::array<char, 32> text{};
-    std::snprintf(text.data(), text.size(), unit == 0 || bytes >= 99.95 ? "%.0f %s" : "%.1f %s", bytes, kUnits[unit]);
-    return text.data();
-}
-
-std::string FormatDuration(double seconds) {
-    const long long whole = std::llround(seconds);
-    std::array<char, 48> text{};
-    if (whole >= 3600) {
-        std::snprintf(text.data(), text.size(), "%lld:%02lld:%02lld", whole / 3600, whole / 60 % 60, whole % 60);
-    } else {
-        std::snprintf(text.data(), text.size(), "%lld:%02lld", whole / 60, whole % 60);
-    }
-    return text.data();
-}
 
 std::string FormatProgressLine(BatchAction action, const ProgressState& state) {
     if (state.phase == BatchPhase::kPlanning) return "Looking: " + Counted(state.itemsTotal, "item");

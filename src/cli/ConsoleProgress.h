@@ -13,10 +13,6 @@ namespace kinsort {
 std::string FormatProgressBar(BatchAction action, const ProgressState& state, size_t columns);
 // "Moving: 450 of 1000 items, 12.3 MB/s, 0:35 left"
 std::string FormatProgressLine(BatchAction action, const ProgressState& state);
-// "12.3 MB", decimal units
-std::string FormatSize(double bytes);
-// "0:35", "2:05:09"
-std::string FormatDuration(double seconds);
 
 class ConsoleProgress : public ProgressSink {
   public:

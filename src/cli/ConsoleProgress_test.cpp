@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "cli/CliFixture_test.h"
+#include "text/Amounts.h"
 
 namespace kinsort {
 namespace {

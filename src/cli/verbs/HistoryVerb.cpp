@@ -7,6 +7,7 @@
 #include "cli/JsonWriter.h"
 #include "cli/ShownText.h"
 #include "cli/Texts.h"
+#include "text/Amounts.h"
 
 namespace kinsort {
 namespace {

@@ -5,6 +5,7 @@
 #include "cli/ConsoleAsker.h"
 #include "cli/ConsoleProgress.h"
 #include "cli/ShownText.h"
+#include "text/Amounts.h"
 
 namespace kinsort {
 namespace {
