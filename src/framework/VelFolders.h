@@ -54,6 +54,9 @@ class VelFolders {
     // %CmdPlugin_Dir% %Viewer_Dir% %UserCmd_Dir%.
     std::u16string ExpandDirectoryMacros(std::u16string_view text);
 
+    // A path as its user knows it, for texts they read.
+    std::u16string PathForPeople(std::u16string_view path) const;
+
   private:
     std::u16string ChooseUserDir();
 
