@@ -102,7 +102,6 @@ class CKinsortDlg final : public KinsortDlgEvents, private PlanView {
     void OnOK();
     void OnCancel() { m_view.EndDialog(kDialogCancel); }
 
-    void ApplyLanguage();
     void CenterOverHost();
     void PrepareControls();
     void ReadConfirmation();

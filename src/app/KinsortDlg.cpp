@@ -1,0 +1,437 @@
+#include "app/KinsortDlg.h"
+
+#include <algorithm>
+#include <array>
+#include <utility>
+
+#include "controls/DirMenu.h"
+#include "framework/DialogTexts.h"
+#include "framework/FileDropList.h"
+#include "framework/MessageNumbers.h"
+#include "framework/Paths.h"
+#include "text/Trim.h"
+
+namespace kinsort {
+namespace {
+
+constexpr uint64_t kItemsCode = 255;
+constexpr std::array<uint64_t, 3> kFolderCodes = {100, 200, 300};  // the ways in which a script jumps to a folder
+constexpr uint32_t kAreYouADialog = 0x8030;
+constexpr int kForegroundRetryMs = 50;
+constexpr size_t kMaxChosenFolder = 32'768;
+constexpr size_t kHistoryEntries = 20;
+constexpr uint32_t kFavoriteOpenMode = 2;
+
+constexpr std::u16string_view kFavoritesFolder = u"Bar\\Favorite";
+constexpr std::u16string_view kManualFolder = u"docs\\vel\\man5\\";
+constexpr std::u16string_view kHelpPage = u"6.Command\\2.DefaultCommand\\Kinsort.html";
+
+enum ShowMode : int32_t { kShowTopmost = 1, kShowTopmostTool = 2, kShowOwned = 3, kShowTool = 4 };
+
+// One direction of centring: over the host, but not beyond the work area, whose left or upper edge counts more.
+int CenteredStart(int hostStart, int hostEnd, int ownLength, int workStart, int workEnd) {
+    int start = ((hostEnd - hostStart) - ownLength) / 2 + hostStart;
+    if (start + ownLength > workEnd) start = workEnd - ownLength;
+    return std::max(start, workStart);
+}
+
+// "C:..." or "\\...": what can be a folder of a drive or of a network.
+bool HasFullForm(std::u16string_view folder) {
+    if (folder.size() < 2) return false;
+    return (IsDriveLetter(folder[0]) && folder[1] == u':') || folder.starts_with(u"\\\\");
+}
+
+// The text of a block up to its first NUL or its end.
+std::u16string TextOf(std::span<const std::byte> data) {
+    std::u16string text;
+    for (size_t i = 0; i + 1 < data.size(); i += 2) {
+        const auto unit =
+            static_cast<char16_t>(static_cast<unsigned>(data[i]) | static_cast<unsigned>(data[i + 1]) << 8);
+        if (unit == 0) break;
+        text += unit;
+    }
+    return text;
+}
+
+// The dialog as files of texts know it. It has no plain combo box, so there are no items to set.
+class DialogTextsOfView final : public DialogTextTarget {
+  public:
+    explicit DialogTextsOfView(KinsortDlgView& view) : view_(view) {}
+
+    std::u16string Title() override { return view_.Title(); }
+    void SetTitle(std::u16string_view title) override { view_.SetTitle(title); }
+    std::vector<DialogControlTexts> Controls() override {
+        std::vector<DialogControlTexts> controls;
+        for (const DialogControl& control : kDialogControls) {
+            controls.push_back(
+                {control.id, std::u16string(WindowClassOf(control.kind)), view_.ControlText(control.id), {}});
+        }
+        return controls;
+    }
+    void SetControlText(int number, std::u16string_view text) override { view_.SetControlText(number, text); }
+    void ClearComboBox(int) override {}
+    void AddComboBoxItem(int, std::u16string_view) override {}
+
+  private:
+    KinsortDlgView& view_;
+};
+
+}  // namespace
+
+struct CKinsortDlg::CommandRow {
+    int controlId;
+    void (CKinsortDlg::*handler)();
+};
+
+// The buttons. To add one: a control in DialogTemplate.h, a handler, a row.
+const CKinsortDlg::CommandRow CKinsortDlg::kCommandRows[] = {
+    {kIdBrowse, &CKinsortDlg::OnBrowseFolder},
+    {kIdFavorites, &CKinsortDlg::OnFavoriteFolder},
+    {kIdOtherTabs, &CKinsortDlg::OnOtherTabFolder},
+    {kIdSearchAgain, &CKinsortDlg::OnSearchAgain},
+    {kIdDeleteSelected, &CKinsortDlg::OnDeleteSelected},
+    {kIdDeleteNoCandidate, &CKinsortDlg::OnDeleteNoCandidate},
+    {kIdOk, &CKinsortDlg::OnOK},
+    {kIdCancel, &CKinsortDlg::OnCancel},
+};
+
+CKinsortDlg::CKinsortDlg(KinsortDlgView& view, const KinsortDlgServices& services, WindowHandle parent)
+    : m_list(view.List(), services.icons, services.files, services.clock),
+      m_cbFolder(view.FolderBox(), services.files, services.folderText, services.settings, services.messages,
+                 services.ui),
+      m_view(view),
+      m_services(services),
+      m_hParent(parent),
+      m_plan(m_list.Plan(), *this, services.files, services.normalizer) {
+    m_cbFolder.m_bFoldersOnly = true;
+    m_cbFolder.m_bTabComplete = false;
+    m_view.AttachControls(&m_list, &m_cbFolder);
+}
+
+CKinsortDlg::~CKinsortDlg() {
+    m_view.AttachControls(nullptr, nullptr);
+}
+
+int CKinsortDlg::DoModal() {
+    const int result = m_view.DoModal(m_hParent, *this);
+    m_cbFolder.OnDestroy();
+    return result;
+}
+
+// --- coming up -------------------------------------------------------------------------------------------------------
+
+bool CKinsortDlg::OnInitDialog() {
+    PushFields();
+    DialogTextsOfView texts(m_view);
+    TranslateDialog({m_services.settings, m_services.folders, m_services.files}, texts, kDialogTemplate.id);
+    CenterOverHost();
+    PrepareControls();
+    m_bConfirm = static_cast<int>(m_services.settings.ReadCommandDword(kConfirmName).value_or(1));
+    PushFields();
+    m_view.ClearFolderSelection();
+    if (m_services.handOff.SharedHandOff == 1) TakeHandedItems(m_services.handOff.SelectedItems);
+    ApplyShowMode();
+    m_view.CallSoon([this] { m_services.operation.OfferRecovery(); });
+    return true;
+}
+
+void CKinsortDlg::CenterOverHost() {
+    if (m_services.handOff.ShowMode == kShowOwned) return;
+    const WindowHandle host = m_services.windows.FindTopLevel(kHostWindowClass);
+    if (host == kNoWindow) return;
+    const std::optional<ScreenRectangle> over = m_services.ui.WindowRectangle(host);
+    const std::optional<ScreenRectangle> own = m_services.ui.WindowRectangle(m_view.Handle());
+    const std::optional<ScreenRectangle> work = m_services.ui.WorkArea(host);
+    if (!over || !own || !work) return;
+    m_view.MoveTo(CenteredStart(over->left, over->right, own->right - own->left, work->left, work->right),
+                  CenteredStart(over->top, over->bottom, own->bottom - own->top, work->top, work->bottom));
+}
+
+void CKinsortDlg::PrepareControls() {
+    m_view.PrepareList();
+    m_view.InsertListColumn(0, u"File", 200);
+    m_view.InsertListColumn(1, u"Target sub folder", 180);
+    m_cbFolder.m_bFoldersOnly = true;
+    m_cbFolder.m_bTabComplete = false;
+    m_view.AcceptDroppedFiles(kIdFolder);
+    m_cbFolder.SetHistory(u"Kinsort", kHistoryEntries);
+    m_cbFolder.PostLoadHistory();
+    m_cbFolder.m_bSaveOnDestroy = true;
+}
+
+void CKinsortDlg::ApplyShowMode() {
+    switch (m_services.handOff.ShowMode) {
+        case kShowTopmostTool:
+            m_view.MakeToolWindow();
+            [[fallthrough]];
+        case kShowTopmost:
+            m_view.SetTopmost(true);
+            BringToForeground();
+            return;
+        case kShowOwned:
+            return;
+        case kShowTool:
+            m_view.MakeToolWindow();
+            break;
+        default:
+            break;
+    }
+    BringToFront();
+}
+
+// As long as Shift or Ctrl is held, the user is busy with the host's window: wait for both to go up.
+void CKinsortDlg::BringToFront() {
+    m_view.KillTimer(kForegroundTimer);
+    if (m_services.ui.IsKeyDown(ModifierKey::kShift) || m_services.ui.IsKeyDown(ModifierKey::kControl)) {
+        m_view.StartTimer(kForegroundTimer, kForegroundRetryMs);
+        return;
+    }
+    m_view.SetTopmost(true);
+    m_view.SetTopmost(false);
+    BringToForeground();
+}
+
+void CKinsortDlg::BringToForeground() {
+    m_services.ui.BringToForeground(m_view.Handle());
+}
+
+void CKinsortDlg::OnTimer(int) {
+    BringToFront();
+}
+
+// --- rows and folders arrive -----------------------------------------------------------------------------------------
+
+// The host's selection, at start or sent later; in two steps the first other tab is the folder.
+void CKinsortDlg::TakeHandedItems(const std::vector<std::u16string>& items) {
+    for (const std::u16string& item : items)
+        m_list.Plan().AddItem(item);
+    m_nLoadState = 1;
+    if (m_bTwoStep != 0 && !m_services.handOff.OtherTabFolders.empty()) {
+        SetFolder(m_services.handOff.OtherTabFolders.front());
+    }
+    m_plan.UpdateCountLabel();
+    PushFields();
+    EnableAndSearch();
+    m_view.SetListCount(m_list.Plan().GetCount());
+    BringToForeground();
+}
+
+void CKinsortDlg::EnableAndSearch() {
+    for (const int id : {kIdOk, kIdSearchAgain, kIdDeleteNoCandidate, kIdDeleteSelected})
+        m_view.EnableControl(id, true);
+    m_plan.SearchCandidates();
+}
+
+int64_t CKinsortDlg::OnData(WindowHandle, uint64_t number, std::span<const std::byte> data) {
+    if (m_nLoadState == 0 && number == kItemsCode) {
+        std::vector<std::byte> block(data.begin(), data.end());  // reading marks what was read
+        HostHandOff sent;
+        ParseHandOffBlock(block, sent);
+        HostHandOff& handOff = m_services.handOff;
+        handOff.CurrentDir = sent.CurrentDir;
+        handOff.Option = sent.Option;
+        handOff.OtherTabFolders.insert(handOff.OtherTabFolders.end(), sent.OtherTabFolders.begin(),
+                                       sent.OtherTabFolders.end());
+        TakeHandedItems(sent.SelectedItems);
+    } else if (std::find(kFolderCodes.begin(), kFolderCodes.end(), number) != kFolderCodes.end()) {
+        SetFolder(TextOf(data));
+    }
+    return 0;
+}
+
+int64_t CKinsortDlg::OnNumbers(uint32_t message, uint64_t, int64_t) {
+    return message == kAreYouADialog ? 1 : 0;
+}
+
+void CKinsortDlg::OnDrop(std::span<const std::byte> dropList) {
+    if (const auto paths = ParseFileDropList(dropList)) OnDropFiles(*paths);
+}
+
+void CKinsortDlg::OnDropFiles(const std::vector<std::u16string>& paths) {
+    std::vector<std::u16string> clean;
+    for (const std::u16string& path : paths)
+        clean.push_back(RemoveLongPathPrefix(path));
+    if (m_bTwoStep == 0 || m_nLoadState == 0) {
+        ReplacePlan(clean);
+        if (m_bTwoStep == 0) EnableAndSearch();
+    } else if (m_nLoadState == 1) {
+        TakeDroppedFolder(clean);
+    }
+}
+
+void CKinsortDlg::ReplacePlan(const std::vector<std::u16string>& items) {
+    (void)ReadControls();
+    m_view.SetListCount(0);  // so that the list asks for no row while they go
+    m_list.Plan().RemoveAll();
+    for (const std::u16string& item : items)
+        m_list.Plan().AddItem(item);
+    m_nLoadState = 1;
+    m_plan.UpdateCountLabel();
+    PushFields();
+    m_view.SetListCount(m_list.Plan().GetCount());
+}
+
+void CKinsortDlg::TakeDroppedFolder(const std::vector<std::u16string>& paths) {
+    std::vector<std::u16string>& folders = m_services.handOff.OtherTabFolders;
+    std::copy_if(paths.begin(), paths.end(), std::back_inserter(folders),
+                 [](const std::u16string& path) { return !path.empty(); });
+    if (!folders.empty()) m_strFolder = folders.front();
+    m_nLoadState = 2;
+    SetFolder(m_strFolder);
+    EnableAndSearch();
+}
+
+void CKinsortDlg::SetFolder(std::u16string folder) {
+    m_strFolder = std::move(folder);
+    PushFields();
+    m_view.ClearFolderSelection();
+}
+
+// --- buttons ---------------------------------------------------------------------------------------------------------
+
+void CKinsortDlg::OnCommand(int controlId) {
+    const auto row = std::find_if(std::begin(kCommandRows), std::end(kCommandRows),
+                                  [controlId](const CommandRow& each) { return each.controlId == controlId; });
+    if (row != std::end(kCommandRows)) (this->*row->handler)();
+}
+
+void CKinsortDlg::OnBrowseFolder() {
+    (void)ReadControls();
+    std::optional<std::u16string> chosen = m_services.ui.BrowseForFolder(
+        {m_services.messages.GetMessageText(kMsgChooseFolder), m_strFolder, m_view.Handle()});
+    if (chosen && chosen->size() < kMaxChosenFolder) SetFolder(std::move(*chosen));
+}
+
+void CKinsortDlg::OnOtherTabFolder() {
+    const std::vector<std::u16string>& folders = m_services.handOff.OtherTabFolders;
+    if (folders.empty()) {
+        ShowMessageWithRetry(kMsgNoOtherTabs);
+        return;
+    }
+    std::vector<std::u16string> texts;
+    for (const std::u16string& folder : folders)
+        texts.push_back(m_services.folderText.ToShown(folder));
+    const std::optional<size_t> chosen = m_view.ShowPopupMenu(kIdOtherTabs, texts);
+    if (!chosen || *chosen >= folders.size()) return;
+    m_strFolder = folders[*chosen];
+    PushFields();
+}
+
+void CKinsortDlg::OnFavoriteFolder() {
+    const std::u16string folder = AddTrailingSeparator(m_services.folders.GetUserDir()).append(kFavoritesFolder);
+    if (!FileExists(m_services.files, folder)) {
+        ShowMessageWithRetry(kMsgNoFavorites);
+        return;
+    }
+    CDirMenu menu(m_services.files, folder);
+    const std::u16string script = menu.ShowPopup(m_view.FavoritesMenu());
+    if (script.empty() || !m_services.runScript) return;
+    std::vector<std::u16string> noItems;
+    m_services.runScript({.scriptPath = script,
+                          .currentFolder = {},
+                          .otherFolder = {},
+                          .selectedItems = noItems,
+                          .forcedOpenMode = kFavoriteOpenMode,
+                          .takesCommandLineOption = 0,
+                          .hostWindow = m_view.Handle(),
+                          .marksSelectedFile = 0,
+                          .handedOn = 1,
+                          .reserved = 0});
+}
+
+bool CKinsortDlg::OnHelpInfo() {
+    OpenDocument(m_services.processes, m_services.folders.GetAppDir() + std::u16string(kManualFolder), kHelpPage);
+    ShowLastError(m_services.processes);
+    return true;
+}
+
+// --- starting --------------------------------------------------------------------------------------------------------
+
+void CKinsortDlg::OnOK() {
+    if (!ReadControls() || m_list.Plan().GetCount() == 0) return;
+    if (!HasAllCandidates()) return;
+    SetFolder(m_services.folderText.ToInner(Trim(m_strFolder)));
+    if (!TakeTargetDir()) {
+        ShowMessage(m_services.messages.GetMessageText(kMsgBadFolder));
+        return;
+    }
+    if (!m_services.ui.IsKeyDown(ModifierKey::kShift)) {
+        m_services.settings.WriteCommandDword(kConfirmName, static_cast<uint32_t>(m_bConfirm));
+    }
+    m_view.EndDialog(kDialogOk);
+    CarryOutPlan();
+}
+
+bool CKinsortDlg::HasAllCandidates() {
+    const ClassificationPlan& plan = m_list.Plan();
+    for (size_t row = 0; row < plan.GetCount(); ++row) {
+        if (!plan[row].arrCandidates.empty()) continue;
+        SelectRow(row);
+        EnsureVisible(row);
+        ShowMessage(u"No target!");
+        FocusList();
+        return false;
+    }
+    return true;
+}
+
+bool CKinsortDlg::TakeTargetDir() {
+    if (!HasFullForm(m_strFolder)) return false;
+    m_strTargetDir = AddTrailingSeparator(TrimEnd(m_strFolder));
+    return m_strTargetDir != u"\\\\";
+}
+
+void CKinsortDlg::CarryOutPlan() {
+    const ClassificationPlan& plan = m_list.Plan();
+    const size_t count = plan.GetCount();
+    std::vector<ItemRequest> items;
+    items.reserve(count);
+    for (size_t row = 0; row < count; ++row) {
+        items.push_back({plan[row].strPath, m_strTargetDir + plan[row].arrCandidates.front(), m_nMode != 0});
+    }
+    uint32_t flags = kFofAllowUndo | kFofNoCopySecurityAttribs | kFofNoConnectedElements;
+    if (m_bConfirm == 0) flags |= kFofNoConfirmation;
+    m_services.operation.CarryOut(std::move(items), flags);
+}
+
+// --- fields and controls ---------------------------------------------------------------------------------------------
+
+bool CKinsortDlg::ReadControls() {
+    m_strFolder = m_cbFolder.GetText();
+    if (m_strFolder.size() > kMaxFolderLength) {
+        const std::string most = std::to_string(kMaxFolderLength);
+        ShowMessage(m_services.messages.GetMessageText(kMsgFolderTooLong, {std::u16string(most.begin(), most.end())}));
+        m_view.FocusControl(kIdFolder);
+        return false;
+    }
+    m_nMode = m_view.IsChecked(kIdMove) ? 1 : 0;
+    m_bConfirm = m_view.IsChecked(kIdConfirm) ? 1 : 0;
+    return true;
+}
+
+void CKinsortDlg::PushFields() {
+    m_cbFolder.SetText(m_strFolder);
+    m_view.SetChecked(kIdCopy, m_nMode == 0);
+    m_view.SetChecked(kIdMove, m_nMode != 0);
+    m_view.SetControlText(kIdCount, m_strCount);
+    m_view.SetChecked(kIdConfirm, m_bConfirm != 0);
+}
+
+void CKinsortDlg::SetCountLabel(std::u16string_view text) {
+    m_strCount = text;
+    m_view.SetControlText(kIdCount, m_strCount);
+}
+
+void CKinsortDlg::ShowMessage(std::u16string_view text) {
+    m_services.ui.ShowMessage({.text = std::u16string(text),
+                               .title = std::u16string(kProgramTitle),
+                               .buttons = MessageButtons::kOk,
+                               .icon = MessageIcon::kWarning,
+                               .owner = m_view.Handle()});
+}
+
+void CKinsortDlg::ShowMessageWithRetry(uint16_t number) {
+    ShowMessage(m_services.messages.GetMessageText(number) + m_services.messages.GetMessageText(kMsgTryAgain));
+}
+
+}  // namespace kinsort
