@@ -74,7 +74,7 @@ enum MessageNumber : uint16_t {
     // A batch as a whole cannot be begun, or was torn.
     kMsgBatchNotStarted = 64070,  // %1 the reason
     kMsgBatchStopped = 64071,     // %1 the reason
-    kMsgBatchUnfinished = 64072,  // asks about a torn batch; %1 items done, %2 not
+    kMsgBatchUnfinished = 64072,  // asks about a torn batch; %1 items done, %2 the folder they went to, %3 the time
     kMsgRecoverFinish = 64073,    // button
     kMsgRecoverUndo = 64074,      // button
     kMsgRecoverLeave = 64075,     // button
@@ -83,6 +83,8 @@ enum MessageNumber : uint16_t {
     kMsgRetryQuestion = 64078,    // %1 a path, %2 the reason: no space, above all
     kMsgRetry = 64079,            // button
     kMsgStopBatch = 64080,        // button
+    kMsgUndoUnfinished = 64081,   // asks about an undo that was torn; %1 the folder of the batch, %2 the time
+    kMsgUntouched = 64082,        // after a stop: every item is either wholly done or untouched
 
     // The settings.
     kMsgRegistrySetAside = 64090,  // %1 the damaged file, %2 its new name
