@@ -12,6 +12,7 @@ namespace kinsort {
 namespace {
 
 constexpr std::u16string_view kKillQuestion = u"Timeout!\nAre you sure you want to kill the process?";
+constexpr int32_t kWaitSliceMs = 50;  // how late a wait notices that it is cancelled
 constexpr std::u16string_view kUnknownError = u"The operation failed, and the system does not say why.";
 
 bool NamesFile(FileSystem& files, std::u16string_view path) {
@@ -89,14 +90,25 @@ Result<std::unique_ptr<Process>> StartCommandLine(ProcessContext& context, std::
     return process;
 }
 
+WaitEnd WaitForEnd(const ProcessContext& context, Process& process, int32_t timeoutMs) {
+    if (!context.isCancelled) return process.Wait(timeoutMs) ? WaitEnd::kEnded : WaitEnd::kTimedOut;
+    const bool hasLimit = timeoutMs >= 0;
+    for (int32_t left = timeoutMs;; left -= hasLimit ? kWaitSliceMs : 0) {
+        const bool isLast = hasLimit && left <= kWaitSliceMs;
+        if (process.Wait(isLast ? left : kWaitSliceMs)) return WaitEnd::kEnded;
+        if (context.isCancelled()) return WaitEnd::kCancelled;
+        if (isLast) return WaitEnd::kTimedOut;
+    }
+}
+
 int RunAndWait(ProcessContext& context, std::u16string_view program, std::u16string_view arguments,
                std::u16string_view startFolder, uint16_t showState, int32_t timeoutMs) {
     const std::u16string commandLine = std::u16string(program).append(u" ").append(arguments);
     const Result<std::unique_ptr<Process>> process = StartCommandLine(context, commandLine, startFolder, showState);
     if (!process.ok()) return 0;
-    if ((*process)->Wait(timeoutMs)) return 1;
-    AskToKill(context, **process);
-    return 0;
+    const WaitEnd end = WaitForEnd(context, **process, timeoutMs);
+    if (end == WaitEnd::kTimedOut) AskToKill(context, **process);
+    return end == WaitEnd::kEnded ? 1 : 0;
 }
 
 bool AskToKill(ProcessContext& context, Process& process) {

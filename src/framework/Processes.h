@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -25,6 +26,8 @@ struct ProcessContext {
     const Environment& environment;
     const PathCodec& codec;
     Status lastError;  // success after an operation that succeeded
+    // Whether whoever waits for a process has given up meanwhile; empty: never. Asked some times a second.
+    std::function<bool()> isCancelled = {};
 };
 
 // Show states of windows.
@@ -59,9 +62,15 @@ void OpenDocument(ProcessContext& context, std::u16string_view first, std::u16st
 Result<std::unique_ptr<Process>> StartCommandLine(ProcessContext& context, std::u16string_view commandLine,
                                                   std::u16string_view startFolder, uint16_t showState);
 
+// How waiting for a process ended.
+enum class WaitEnd : uint8_t { kEnded, kTimedOut, kCancelled };
+
+// Waits for the end of the process, at most `timeoutMs` (-1: without limit).
+WaitEnd WaitForEnd(const ProcessContext& context, Process& process, int32_t timeoutMs);
+
 // Starts program, blank, arguments as a command line and waits for its end, at most `timeoutMs` (-1: without limit).
-// 1 when it was started and ended in time. 0 when it could not be started, see lastError, and after a time-out, when
-// the user is asked whether to end it, whatever the answer.
+// 1 when it was started and ended in time. 0 when it could not be started, see lastError, when the wait was cancelled,
+// and after a time-out, when the user is asked whether to end it, whatever the answer.
 int RunAndWait(ProcessContext& context, std::u16string_view program, std::u16string_view arguments,
                std::u16string_view startFolder, uint16_t showState, int32_t timeoutMs);
 

@@ -33,6 +33,7 @@ ScriptRun::ScriptRun(ScriptSession& theSession, const ScriptCall& theCall, Varia
       processes{services.processes,   services.opener, services.ui, services.files,
                 services.environment, services.codec,  {}},
       readFile(services.files) {
+    processes.isCancelled = [this] { return isCancelled(); };
     ReadOptions(optionTable, options);
 }
 

@@ -18,6 +18,7 @@
 
 namespace kinsort {
 
+class LaunchWorkers;
 class Messages;
 class Settings;
 class VelFolders;
@@ -47,6 +48,7 @@ struct ScriptServices {
     Messages& messages;
     Clock& clock;
     Sleeper& sleeper;
+    LaunchWorkers& launchWorkers;  // threads of programs that start in the background; goes before all the others
     const SystemInfo& system;
     const LocaleMap& locale;
     ScriptObserver* observer = nullptr;   // optional
