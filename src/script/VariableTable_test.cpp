@@ -166,7 +166,7 @@ TEST(ExpandVariables, EqualsTheObviousVersion) {
         return text;
     };
     int expanded = 0;
-    for (int round = 0; round < 20'000; ++round) {
+    for (int round = 0; round < 5'000; ++round) {
         VariableTable table;
         const size_t count = random() % 12;
         for (size_t i = 0; i < count; ++i)
@@ -179,7 +179,7 @@ TEST(ExpandVariables, EqualsTheObviousVersion) {
         ASSERT_EQ(fast, ExpandSlowly(table, text)) << round << " " << testing::PrintToString(text);
         expanded += fast != text ? 1 : 0;
     }
-    EXPECT_GT(expanded, 10'000);
+    EXPECT_GT(expanded, 1'500);
 }
 
 TEST(ExpandVariables, RefusesWhatWouldNotEnd) {
