@@ -38,9 +38,8 @@ class OperationPresenter final : public OperationRunner {
     using Job = std::function<BatchResult(AskUserAction&, ProgressSink&, const CancelToken&)>;
 
     BatchResult Run(OperationKind kind, const Job& job);
-    // Shows the outcome where there is more to say than that it went well; true when the user asked to undo.
-    bool Tell(OperationKind kind, const BatchResult& result);
     void Undo(BatchId id);
+    void Recover(UndoHistory& history, const BatchSummary& batch, RecoverAction action);
 
     std::optional<FileOperationServices> engine_;
     OperationView& view_;
@@ -49,6 +48,7 @@ class OperationPresenter final : public OperationRunner {
     struct Finished {
         OperationKind kind;
         BatchResult result;
+        std::u16string folder;
     };
     std::optional<Finished> undoable_;  // what OfferUndo is about
 };

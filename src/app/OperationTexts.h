@@ -31,21 +31,26 @@ class OperationTexts {
     // Buttons: finish, take back, leave.
     ButtonQuestion AskRecovery(const BatchSummary& batch);
 
-    // With an undo button when there is something to take back.
-    OperationSummary Summarize(OperationKind kind, const BatchResult& result);
-    UndoOffer Offer(OperationKind kind, const BatchResult& result);
-    // That there is no place for the undo journal, so that nothing is begun.
-    ButtonQuestion SayNoJournal();
+    // The items that are not plainly done, and what is to be said of the batch as a whole. The first of two buttons
+    // undoes, the last one closes.
+    OperationSummary Summarize(OperationKind kind, const BatchResult& result, bool canUndo);
+    // `folder`: the one that the items were sorted into.
+    UndoOffer Offer(OperationKind kind, const BatchResult& result, std::u16string_view folder);
+    // One sentence in a window with a button to close it.
+    OperationSummary SayOnly(uint16_t number);
 
     std::u16string StatusText(const Status& status);
-    // Why an item was not done, or what is to be said of it.
+    // Why an item was not done.
     std::u16string ReasonText(const ItemReport& report);
 
   private:
+    std::u16string Text(uint16_t number) { return messages_.GetMessageText(number); }
+    std::u16string Counted(uint16_t number, uint64_t count);
     std::u16string Shown(std::u16string_view path) const;
     std::u16string TimeLeft(double seconds);
+    std::u16string Figures(const ProgressState& state);
     ConflictSideTexts Side(uint16_t heading, const ConflictSide& side);
-    std::u16string BatchStatusText(const Status& status);
+    std::vector<std::u16string> Notes(const BatchResult& result);
 
     Messages& messages_;
     const PathCodec& codec_;
