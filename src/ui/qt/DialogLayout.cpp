@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <numeric>
+#include <ranges>
 
 namespace kinsort {
 namespace {
@@ -104,30 +105,31 @@ std::vector<std::vector<size_t>> DialogLayout::Rows() const {
 }
 
 void DialogLayout::PlaceRows(int templateHeight) {
+    struct PlacedRow {
+        int top, bottom;   // dialog units
+        int pixelsBottom;  //
+    };
     height_ = ToY(templateHeight);
-    const std::vector<std::vector<size_t>> rows = Rows();
-    for (const std::vector<size_t>& row : rows) {
-        int top = 0;
-        int height = 0;
+    std::vector<PlacedRow> above;
+    for (const std::vector<size_t>& row : Rows()) {
+        const auto topOf = [this](size_t i) { return items_[i].place.y; };
+        const auto bottomOf = [this](size_t i) { return items_[i].place.y + items_[i].place.height; };
+        const int top = std::ranges::min(row | std::views::transform(topOf));
+        const int bottom = std::ranges::max(row | std::views::transform(bottomOf));
+        int y = ToY(top);
+        for (const PlacedRow& other : above) {
+            if (other.bottom <= top) y = std::max(y, other.pixelsBottom + ToY(top - other.bottom));
+        }
+        int height = ToY(bottom - top);
         for (size_t i : row) {
-            const DialogUnits& mine = items_[i].place;
-            top = std::max(top, ToY(mine.y));
-            const int needed = items_[i].heightFor ? items_[i].heightFor(places_[i].width) : 0;
-            height = std::max({height, ToY(mine.height), needed});
-            for (const std::vector<size_t>& above : rows) {
-                if (&above == &row) break;
-                for (size_t j : above) {
-                    const DialogUnits& other = items_[j].place;
-                    const int gap = ToY(mine.y - other.y - other.height);
-                    if (other.y + other.height <= mine.y) top = std::max(top, places_[j].Bottom() + gap);
-                }
-            }
+            if (items_[i].heightFor) height = std::max(height, items_[i].heightFor(places_[i].width));
         }
         for (size_t i : row) {
-            places_[i].y = top;
+            places_[i].y = y;
             places_[i].height = height;
-            height_ = std::max(height_, places_[i].Bottom() + ToY(kMargin));
         }
+        above.push_back({top, bottom, y + height});
+        height_ = std::max(height_, y + height + ToY(kMargin));
     }
     for (size_t i = 0; i < items_.size(); ++i) {
         if (items_[i].anchor != Anchor::kGrowBoth) continue;

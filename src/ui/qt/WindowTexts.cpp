@@ -21,8 +21,7 @@ constexpr std::array kRows = {
     TextRow{WindowText::kNo, u"いいえ(&N)", u"&No"},
     TextRow{WindowText::kTryAgain, u"再実行(&T)", u"&Try again"},
     TextRow{WindowText::kContinue, u"続行(&C)", u"&Continue"},
-    TextRow{WindowText::kUndo, u"元に戻す(&U)", u"&Undo"},
-    TextRow{WindowText::kClose, u"閉じる(&C)", u"&Close"},
+    TextRow{WindowText::kCopyList, u"コピー(&C)", u"&Copy"},
 };
 
 constexpr bool IsInOrder() {

@@ -22,8 +22,7 @@ enum class WindowText : uint8_t {
     kNo,
     kTryAgain,
     kContinue,
-    kUndo,
-    kClose,
+    kCopyList,
 };
 
 class WindowTexts {
