@@ -227,7 +227,7 @@ void CComplementComboBox::StartListing(const std::u16string& text) {
 
 void CComplementComboBox::OnListed(uint64_t number, const std::vector<std::u16string>& candidates) {
     if (number != *listingNumber_) return;
-    const std::optional<std::u16string> asked = std::exchange(awaited_, std::nullopt);
+    const std::optional<std::u16string> asked = awaited_;
     EndListing();
     if (GetText() != asked) return;
     ShowItems(candidates);

@@ -1,0 +1,361 @@
+#include "controls/ComplementComboBox.h"
+
+#include <condition_variable>
+#include <mutex>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "controls/FolderBox_test.h"
+#include "platform/fake/MemoryFileSystem.h"
+#include "platform/linux/LinuxPathCodec.h"
+
+namespace kinsort {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+constexpr std::chrono::seconds kLong{60};
+
+// A disk that answers a listing only when it is let go.
+class SlowFileSystem final : public FileSystem {
+  public:
+    explicit SlowFileSystem(FileSystem& inner) : inner_(inner) {}
+    uint32_t GetAttributes(std::u16string_view path) override { return inner_.GetAttributes(path); }
+    Result<std::unique_ptr<FolderSearch>> OpenSearch(std::u16string_view pattern) override {
+        std::unique_lock lock(mutex_);
+        ++searches;
+        changed_.wait(lock, [&] { return !isHeld_; });
+        return inner_.OpenSearch(pattern);
+    }
+    Status CreateFolder(std::u16string_view path) override { return inner_.CreateFolder(path); }
+    Result<std::u16string> ResolveFullPath(std::u16string_view path) override { return inner_.ResolveFullPath(path); }
+    std::u16string CurrentFolder() override { return inner_.CurrentFolder(); }
+    Result<std::unique_ptr<InputFile>> OpenInput(std::u16string_view path) override { return inner_.OpenInput(path); }
+    Result<std::unique_ptr<OutputFile>> OpenOutput(std::u16string_view path, OutputStart start) override {
+        return inner_.OpenOutput(path, start);
+    }
+
+    void Hold(bool isHeld) {
+        const std::lock_guard lock(mutex_);
+        isHeld_ = isHeld;
+        changed_.notify_all();
+    }
+    int searches = 0;
+
+  private:
+    FileSystem& inner_;
+    std::mutex mutex_;
+    std::condition_variable changed_;
+    bool isHeld_ = false;
+};
+
+class Box final : public CComplementComboBox {
+  public:
+    using CComplementComboBox::CComplementComboBox;
+    using CComplementComboBox::m_listItems;
+    int asked = 0;
+
+  protected:
+    void AskToClearHistory() override { ++asked; }
+};
+
+constexpr BoxKeyPress Plain(BoxKey key) {
+    return {key, false, false, false};
+}
+constexpr BoxKeyPress Ctrl(BoxKey key) {
+    return {key, false, true, false};
+}
+constexpr BoxKeyPress Shift(BoxKey key) {
+    return {key, true, false, false};
+}
+constexpr BoxKeyPress kComplete = {BoxKey::kDown, false, false, false};
+
+class ComplementComboBoxTest : public testing::Test {
+  protected:
+    ComplementComboBoxTest() {
+        for (const char16_t* folder :
+             {u"D:\\Projects", u"D:\\MyProgs", u"D:\\other", u"Z:\\home\\me\\Pictures", u"Z:\\home\\me\\Pixels",
+              u"Z:\\home\\me\\epic", u"Z:\\home\\you", u"Z:\\opt", u"Z:\\down\\inside", u"\\\\nas\\share\\deep"})
+            disk.AddFolder(folder);
+        disk.AddFile(u"D:\\Program.txt");
+        view.control = &box;
+        box.m_bFoldersOnly = true;
+    }
+    bool Press(const BoxKeyPress& press) {
+        const bool used = box.OnKey(press);
+        EXPECT_TRUE(box.WaitForListing(kLong));
+        view.tasks.RunAll();
+        return used;
+    }
+    // The text, then the items of an open list.
+    std::vector<std::u16string> Complete(std::u16string_view typed) {
+        view.CloseList();
+        view.ResetItems();
+        view.Type(typed);
+        EXPECT_TRUE(Press(kComplete));
+        std::vector<std::u16string> result = {view.text};
+        if (view.isOpen) result.insert(result.end(), view.items.begin(), view.items.end());
+        return result;
+    }
+
+    MemoryFileSystem disk;
+    SlowFileSystem files{disk};
+    std::unique_ptr<PathCodec> codec = MakeLinuxPathCodec("");
+    FolderText texts{*codec, "/home/me"};
+    MemoryCombo view;
+    Box box{view, files, texts};
+};
+
+TEST_F(ComplementComboBoxTest, TypedTextsAreCompleted) {
+    using Texts = std::vector<std::u16string>;
+    struct Case {
+        std::u16string typed;
+        Texts result;  // the text, then the list that opens
+    };
+    const Case cases[] = {
+        {u"d", {u"d:\\"}},
+        {u"D:", {u"D:\\"}},
+        {u"\\", {u"\\\\"}},
+        {u"z", {u"/"}},
+        {u"~", {u"/home/me/"}},
+        {u"", {u""}},
+        {u"D:\\Pro", {u"D:\\Pro", u"D:\\MyProgs\\", u"D:\\Projects\\"}},
+        {u"D:\\P", {u"D:\\Projects\\"}},
+        {u"d:\\PROJ", {u"d:\\Projects\\"}},
+        {u"D:\\none", {u"D:\\none"}},
+        {u"Q:\\gone\\x", {u"Q:\\gone\\x"}},
+        {u"/home/me/Pi", {u"/home/me/Pi", u"/home/me/epic/", u"/home/me/Pictures/", u"/home/me/Pixels/"}},
+        {u"/home/me/e", {u"/home/me/epic/"}},
+        {u"~/pix", {u"/home/me/Pixels/"}},
+        {u"/", {u"/", u"/down/", u"/home/", u"/opt/"}},
+        {u"/o", {u"/opt/"}},
+        {u"Z:\\op", {u"/opt/"}},
+        {u"\\\\nas\\share\\d", {u"\\\\nas\\share\\deep\\"}},
+        {u"file:///home/me/pix", {u"/home/me/Pixels/"}},
+        {u"op", {u"opt/"}},
+    };
+    for (const Case& c : cases) {
+        EXPECT_EQ(Complete(c.typed), c.result);
+        EXPECT_TRUE(view.IsCaretAtEnd());
+        EXPECT_FALSE(view.isBusy);
+    }
+    box.m_bFoldersOnly = false;
+    EXPECT_EQ(Complete(u"D:\\pro"), (Texts{u"D:\\pro", u"D:\\MyProgs\\", u"D:\\Program.txt", u"D:\\Projects\\"}));
+}
+
+TEST_F(ComplementComboBoxTest, RelativeTextsCountFromBaseAndDropFolder) {
+    box.m_strBaseDir = u"Z:\\home\\me";
+    EXPECT_THAT(Complete(u"pix"), ElementsAre(u"/home/me/Pixels/"));
+    EXPECT_THAT(Complete(u"../yo"), ElementsAre(u"/home/you/"));
+    EXPECT_THAT(Complete(u"D:\\o"), ElementsAre(u"D:\\other\\"));
+    box.m_strBaseDir.clear();
+    box.OnDropFiles(u"\\\\?\\Z:\\down");
+    EXPECT_EQ(view.text, u"/down");
+    EXPECT_THAT(Complete(u"ins"), ElementsAre(u"/down/inside/"));
+    EXPECT_THAT(Complete(u"\\ins"), ElementsAre(u"/down/inside/"));
+    EXPECT_THAT(Complete(u"/o"), ElementsAre(u"/opt/"));
+}
+
+TEST_F(ComplementComboBoxTest, CollectingStopsSoonAfterFiveThousand) {
+    for (int i = 0; i < 5200; ++i)
+        disk.AddFolder(u"Z:\\many\\" + texts.ToInner(std::u16string(1, static_cast<char16_t>(0x4E00 + i))));
+    EXPECT_EQ(Complete(u"/many/").size(), 1 + CComplementComboBox::kMaxCandidates + 1);
+}
+
+TEST_F(ComplementComboBoxTest, LongTextsAreShownShortenedAndTakenWhole) {
+    view.width = 14;
+    EXPECT_THAT(Complete(u"/home/me/pi"),
+                ElementsAre(u"/home/me/pi", u"/home/me/epic/", u"/ho\u2026/Pictures/", u"/home\u2026/Pixels/"));
+    view.Pick(1);
+    EXPECT_EQ(view.text, u"/home/me/Pictures/");
+}
+
+TEST_F(ComplementComboBoxTest, KeysOfAnOpenListStepChooseAndLeave) {
+    Complete(u"/home/me/pi");
+    ASSERT_TRUE(view.isOpen);
+    const std::pair<BoxKeyPress, size_t> steps[] = {
+        {Plain(BoxKey::kTab), 0},  {Plain(BoxKey::kDown), 1}, {Ctrl(BoxKey::kJ), 2},
+        {Ctrl(BoxKey::kSpace), 0}, {Shift(BoxKey::kTab), 2},  {Plain(BoxKey::kUp), 1},
+        {Shift(BoxKey::kTab), 0},  {Plain(BoxKey::kUp), 2},   {Plain(BoxKey::kTab), 0},
+    };
+    for (const auto& [press, selected] : steps) {
+        EXPECT_TRUE(Press(press));
+        EXPECT_EQ(view.selected, selected);
+    }
+    for (const BoxKeyPress& press : {Plain(BoxKey::kPageUp), Ctrl(BoxKey::kK), Ctrl(BoxKey::kL), Ctrl(BoxKey::kH)})
+        EXPECT_FALSE(Press(press)) << "a key of the closed list only";
+    EXPECT_TRUE(Press(Plain(BoxKey::kEnter)));
+    EXPECT_FALSE(view.isOpen);
+    EXPECT_EQ(view.text, u"/home/me/epic/");
+    EXPECT_TRUE(view.IsCaretAtEnd());
+
+    Complete(u"/home/me/pi");
+    Press(Plain(BoxKey::kUp));
+    EXPECT_EQ(view.selected, 2u) << "up from nothing is the last";
+    EXPECT_TRUE(Press(Plain(BoxKey::kEscape)));
+    EXPECT_FALSE(view.isOpen);
+    EXPECT_EQ(view.text, u"/home/me/pi") << "Esc brings the text back";
+
+    Complete(u"/home/me/pi");
+    EXPECT_TRUE(Press(Plain(BoxKey::kEnter)));
+    EXPECT_FALSE(view.isOpen);
+    EXPECT_EQ(view.text, u"/home/me/pi") << "nothing was selected";
+}
+
+TEST_F(ComplementComboBoxTest, KeysOfAClosedListEditTheText) {
+    struct Case {
+        BoxKeyPress press;
+        std::u16string before;
+        TextSelection selection;
+        std::u16string after;
+    };
+    const Case cases[] = {
+        {Plain(BoxKey::kPageUp), u"C:\\a\\b\\file.txt", {0, 0}, u"C:\\a\\b\\"},
+        {Ctrl(BoxKey::kBackspace), u"C:\\a\\b\\", {0, 0}, u"C:\\a\\b"},
+        {Ctrl(BoxKey::kK), u"C:\\a\\b", {0, 0}, u"C:\\a\\"},
+        {Ctrl(BoxKey::kK), u"C:\\", {0, 0}, u"C:"},
+        {Ctrl(BoxKey::kK), u"C:", {0, 0}, u""},
+        {Ctrl(BoxKey::kK), u"", {0, 0}, u""},
+        {Ctrl(BoxKey::kK), u"/home/me/x.txt", {0, 0}, u"/home/me/"},
+        {Ctrl(BoxKey::kK), u"/home/", {0, 0}, u"/home"},
+        {Ctrl(BoxKey::kK), u"/home", {0, 0}, u"/"},
+        {Ctrl(BoxKey::kK), u"/", {0, 0}, u""},
+        {Ctrl(BoxKey::kK), u"\\\\nas\\share", {0, 0}, u"\\\\nas\\"},
+        {Plain(BoxKey::kPageDown), u"/home/me", {5, 5}, u"/home"},
+        {Ctrl(BoxKey::kL), u"/home/me", {1, 5}, u"/home"},
+        {Ctrl(BoxKey::kL), u"/home/me", {8, 8}, u"/home/me"},
+        {Ctrl(BoxKey::kL), u"/home/me", {0, 0}, u""},
+    };
+    for (const Case& c : cases) {
+        view.Type(c.before);
+        view.selection = c.selection;
+        EXPECT_TRUE(Press(c.press));
+        EXPECT_EQ(view.text, c.after);
+        EXPECT_TRUE(view.IsCaretAtEnd());
+    }
+}
+
+TEST_F(ComplementComboBoxTest, WhatAKeyDoesDependsOnSwitchesAndModifiers) {
+    view.Type(u"/op");
+    EXPECT_FALSE(Press(Plain(BoxKey::kTab))) << "moves on to the next control";
+    EXPECT_EQ(view.text, u"/op");
+    box.m_bTabComplete = true;
+    for (const BoxKeyPress& press :
+         {Shift(BoxKey::kTab), Ctrl(BoxKey::kTab), BoxKeyPress{BoxKey::kTab, false, false, true},
+          BoxKeyPress{BoxKey::kDown, false, false, true}, Plain(BoxKey::kBackspace), Plain(BoxKey::kSpace),
+          Plain(BoxKey::kH), Plain(BoxKey::kOther)}) {
+        EXPECT_FALSE(Press(press));
+        EXPECT_EQ(view.text, u"/op");
+    }
+    EXPECT_TRUE(Press(Plain(BoxKey::kTab)));
+    EXPECT_EQ(view.text, u"/opt/");
+
+    EXPECT_FALSE(Press(Plain(BoxKey::kEnter)));
+    EXPECT_THAT(view.commands, IsEmpty());
+    box.m_hNotifyWnd = 77;
+    box.m_nNotifyId = 5;
+    EXPECT_FALSE(Press(Plain(BoxKey::kEnter))) << "goes on to the default button";
+    EXPECT_THAT(view.commands, ElementsAre(std::pair(WindowHandle{77}, 5)));
+
+    EXPECT_TRUE(Press(Ctrl(BoxKey::kH)));
+    EXPECT_EQ(box.asked, 1);
+
+    view.Type(u"/ho");
+    box.OnDoubleClick();
+    EXPECT_TRUE(box.WaitForListing(kLong));
+    view.tasks.RunAll();
+    EXPECT_EQ(view.text, u"/home/");
+}
+
+TEST_F(ComplementComboBoxTest, OpeningTheListShowsTheHistoryUnlessSomethingWasCompleted) {
+    box.m_listItems = {u"Z:\\opt", u"D:\\other"};
+    view.Type(u"x");
+    view.OpenList();
+    EXPECT_THAT(view.items, ElementsAre(u"/opt", u"D:\\other"));
+    view.Pick(0);
+    EXPECT_EQ(view.text, u"/opt");
+    Complete(u"/home/me/pi");
+    Press(Plain(BoxKey::kEscape));
+    view.OpenList();
+    EXPECT_EQ(view.items.size(), 3u);
+    Press(Plain(BoxKey::kEscape));
+    EXPECT_TRUE(Press(Plain(BoxKey::kUp)));
+    EXPECT_TRUE(view.isOpen);
+    EXPECT_THAT(view.items, ElementsAre(u"/opt", u"D:\\other")) << "Up brings the history";
+}
+
+TEST_F(ComplementComboBoxTest, TypingClosesTheListAndStays) {
+    Complete(u"/home/me/pi");
+    ASSERT_TRUE(view.isOpen);
+    view.Type(u"/home/me/pix");
+    EXPECT_FALSE(view.isOpen);
+    EXPECT_EQ(view.text, u"/home/me/pix");
+}
+
+TEST_F(ComplementComboBoxTest, TheTextStaysAsTypedWhereItSaysTheSame) {
+    view.Type(u"/home//me");
+    view.selection = {3, 3};
+    box.SetText(u"Z:\\home\\me");
+    EXPECT_EQ(view.text, u"/home//me");
+    EXPECT_EQ(view.selection, (TextSelection{3, 3}));
+    box.SetText(u"Z:\\home\\you");
+    EXPECT_EQ(view.text, u"/home/you");
+}
+
+TEST_F(ComplementComboBoxTest, DroppedFilesStandForTheirFolder) {
+    struct Case {
+        bool foldersOnly;
+        std::u16string dropped;
+        std::u16string text;
+    };
+    const Case cases[] = {
+        {true, u"D:\\Program.txt", u"D:\\"},
+        {true, u"D:\\Projects", u"D:\\Projects"},
+        {true, u"Z:\\home\\gone", u"/home/"},
+        {false, u"D:\\Program.txt", u"D:\\Program.txt"},
+    };
+    for (const Case& c : cases) {
+        box.m_bFoldersOnly = c.foldersOnly;
+        box.OnDropFiles(c.dropped);
+        EXPECT_EQ(view.text, c.text);
+    }
+}
+
+TEST_F(ComplementComboBoxTest, WhoTypesOnWhileASlowListingRunsIsNotDisturbed) {
+    files.Hold(true);
+    view.Type(u"/home/me/pi");
+    EXPECT_TRUE(box.OnKey(kComplete));
+    EXPECT_TRUE(view.isBusy);
+    EXPECT_TRUE(box.OnKey(kComplete)) << "the key repeats";
+    view.Type(u"/home/yo");
+    EXPECT_FALSE(view.isBusy);
+    files.Hold(false);
+    ASSERT_TRUE(box.WaitForListing(kLong));
+    view.tasks.RunAll();
+    EXPECT_EQ(files.searches, 1);
+    EXPECT_FALSE(view.isOpen);
+    EXPECT_THAT(view.items, IsEmpty());
+    EXPECT_EQ(view.text, u"/home/yo");
+
+    files.Hold(true);
+    EXPECT_TRUE(box.OnKey(kComplete));
+    box.OnKillFocus();
+    files.Hold(false);
+    ASSERT_TRUE(box.WaitForListing(kLong));
+    view.tasks.RunAll();
+    EXPECT_EQ(view.text, u"/home/yo") << "the keyboard was elsewhere";
+
+    files.Hold(true);
+    EXPECT_TRUE(box.OnKey(kComplete));
+    box.SetText(u"Z:\\opt");
+    files.Hold(false);
+    ASSERT_TRUE(box.WaitForListing(kLong));
+    view.tasks.RunAll();
+    EXPECT_EQ(view.text, u"/opt") << "the program put another folder there";
+    EXPECT_FALSE(view.isBusy);
+}
+
+}  // namespace
+}  // namespace kinsort
