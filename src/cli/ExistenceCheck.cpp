@@ -12,7 +12,14 @@ Status ExistenceCheck::Look(const std::u16string& path) {
         return Status::Failure(StatusCode::kInvalid);
     }
     if (Status opened = Open(path.substr(0, separator + 1)); !opened.ok()) return opened;
-    return services_.sys.StatAt(folder_, services_.codec.NameToStored(name)).status();
+    const std::string stored = services_.codec.NameToStored(name);
+    // A selection mostly is of one folder. How long it is is not known here, nor how long the folder: try now and then.
+    ++looks_;
+    if ((looks_ == 64 || looks_ == 512 || looks_ == 4096) && !(names_ && names_->isListed())) {
+        names_.emplace(services_.sys, folder_, looks_ * 8);
+    }
+    if (names_ && names_->isListed() && names_->Contains(stored)) return {};
+    return services_.sys.StatAt(folder_, stored).status();
 }
 
 Status ExistenceCheck::Open(std::u16string parent) {
@@ -23,6 +30,8 @@ Status ExistenceCheck::Open(std::u16string parent) {
     if (!opened.ok()) return opened.status();
     folder_ = std::move(*opened);
     parent_ = std::move(parent);
+    looks_ = 0;
+    names_.reset();
     return {};
 }
 

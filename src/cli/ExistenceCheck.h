@@ -1,9 +1,11 @@
 // Looks whether items exist, links not followed; keeps the last folder open, since selections share one.
 #pragma once
 
+#include <optional>
 #include <string>
 
 #include "cli/CliContext.h"
+#include "fileop/FolderNames.h"
 
 namespace kinsort {
 
@@ -21,6 +23,8 @@ class ExistenceCheck {
     CliServices& services_;
     FileHandle folder_;
     std::u16string parent_;
+    size_t looks_ = 0;                  // in this folder
+    std::optional<FolderNames> names_;  // of this folder, once it was asked about often
 };
 
 }  // namespace kinsort

@@ -57,6 +57,8 @@ bool BatchPlanner::PlanItems(std::span<const ItemRequest> requests, unsigned thr
         for (size_t i = 0; i < block.size(); ++i) {
             Resolve(block[i], looked[i]);
         }
+        std::vector<std::unique_ptr<FolderNames>> listed;
+        ListDestinations(looked, listed);
         const auto look = [&](size_t i) { LookAt(looked[i]); };
         ForEachParallel(block.size(), threads, look, [] {});
         for (size_t i = 0; i < block.size(); ++i) {
@@ -81,10 +83,27 @@ void BatchPlanner::Resolve(const ItemRequest& request, Looked& looked) {
     looked.destination = lastDestinationFolder_;
 }
 
+void BatchPlanner::ListDestinations(std::span<Looked> looked, std::vector<std::unique_ptr<FolderNames>>& listed) {
+    std::unordered_map<uint32_t, std::vector<Looked*>> byFolder;
+    for (Looked& one : looked) {
+        if (one.source.folder != kNoIndex && one.destination.ok()) byFolder[*one.destination].push_back(&one);
+    }
+    for (const auto& [folder, items] : byFolder) {
+        const auto opened = folders_.Open(folder);
+        if (!opened.ok()) continue;  // the look at each item says why
+        auto names = std::make_unique<FolderNames>(services_.sys, **opened, items.size());
+        if (!names->isListed()) continue;
+        for (Looked* one : items)
+            one->taken = names.get();
+        listed.push_back(std::move(names));
+    }
+}
+
 void BatchPlanner::LookAt(Looked& looked) {
     if (looked.source.folder == kNoIndex || !looked.destination.ok()) return;
     looked.info = StatAt(looked.source);
-    if (looked.info.ok()) looked.there = StatAt({*looked.destination, looked.source.name});
+    const bool isFree = looked.taken != nullptr && !looked.taken->Contains(looked.source.name);
+    if (looked.info.ok() && !isFree) looked.there = StatAt({*looked.destination, looked.source.name});
 }
 
 Result<FileInfo> BatchPlanner::StatAt(const Place& place) {
@@ -95,9 +114,7 @@ Result<FileInfo> BatchPlanner::StatAt(const Place& place) {
 bool BatchPlanner::PlanItem(const ItemRequest& request, const Looked& looked) {
     item_ = batch_.items.size();
     batch_.items.push_back({.source = looked.source, .destination = kNoIndex, .isMove = request.isMove});
-    refusals_.emplace_back();
-    refusals_[item_].item = item_;
-    refusals_[item_].source = request.source;
+    request_ = &request;
     if (!looked.destination.ok()) {
         Refuse(ItemOutcome::kFailed, ItemReason::kSystem, looked.destination.status().At(request.destination));
         return true;
@@ -127,8 +144,11 @@ bool BatchPlanner::PlanItem(const ItemRequest& request, const Looked& looked) {
 }
 
 void BatchPlanner::Refuse(ItemOutcome outcome, ItemReason reason, Status status) {
-    ItemReport& report = refusals_[item_];
-    if (report.reason != ItemReason::kNone) return;  // the first reason is the one to tell
+    const auto [known, isFirst] = refusals_.try_emplace(item_);
+    if (!isFirst) return;  // the first reason is the one to tell
+    ItemReport& report = known->second;
+    report.item = item_;
+    if (request_ != nullptr) report.source = request_->source;
     report.outcome = outcome;
     report.reason = reason;
     report.status = std::move(status);
@@ -391,6 +411,7 @@ Replan BatchPlanner::ReplanAsTransfer(uint32_t index) {
     const Result<FileInfo> info = StatAt(step.source);
     if (!info.ok()) return Replan::kFailed;
     item_ = step.item;
+    request_ = nullptr;
     batch_.steps[index].kind = StepKind::kMakeFolder;
     batch_.steps[index].mode = info->mode;
     return AddContents(step.source, *info, step.target, nullptr, true) ? Replan::kAgain : Replan::kCancelled;

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <functional>
+#include <memory>
 #include <span>
 #include <string>
 #include <string_view>
@@ -12,6 +13,7 @@
 
 #include "fileop/Batch.h"
 #include "fileop/ConflictResolver.h"
+#include "fileop/FolderNames.h"
 #include "fileop/FolderTable.h"
 
 namespace kinsort {
@@ -29,8 +31,11 @@ class BatchPlanner {
     // report. False when the user cancelled in a question, or when `goesOn`, called before each item, says so.
     bool PlanItems(std::span<const ItemRequest> requests, unsigned threads,
                    const std::function<bool(const ItemRequest&)>& goesOn);
-    // An item's refusal, kNone when it has steps.
-    const ItemReport& refusal(size_t item) const { return refusals_[item]; }
+    // An item's refusal; null when there is nothing to tell.
+    const ItemReport* refusal(size_t item) const {
+        const auto found = refusals_.find(item);
+        return found == refusals_.end() ? nullptr : &found->second;
+    }
 
     // The target of step `index` turned out to be taken: asks and rewrites the step, or says why not.
     Replan ReplanTaken(uint32_t index);
@@ -52,11 +57,14 @@ class BatchPlanner {
         Result<uint32_t> destination = kNoIndex;
         Result<FileInfo> info = Status::Failure(StatusCode::kNotFound);   // of the source
         Result<FileInfo> there = Status::Failure(StatusCode::kNotFound);  // what has its name in the destination
+        const FolderNames* taken = nullptr;  // the names in the destination; null where each is looked for
     };
     enum class Choice : uint8_t { kGo, kSkip, kCancel };
 
     void Refuse(ItemOutcome outcome, ItemReason reason, Status status = {});
     void Resolve(const ItemRequest& request, Looked& looked);
+    // Lists the destinations that many of the items go to.
+    void ListDestinations(std::span<Looked> looked, std::vector<std::unique_ptr<FolderNames>>& listed);
     void LookAt(Looked& looked);  // on any thread
     bool PlanItem(const ItemRequest& request, const Looked& looked);
     Result<FileInfo> StatAt(const Place& place);
@@ -86,8 +94,9 @@ class BatchPlanner {
     Batch& batch_;
     FolderTable& folders_;
     ConflictResolver& resolver_;
-    std::vector<ItemReport> refusals_;
-    size_t item_ = 0;  // the item that steps and refusals are for at the moment
+    std::unordered_map<size_t, ItemReport> refusals_;  // by item
+    size_t item_ = 0;                                  // the item that steps and refusals are for at the moment
+    const ItemRequest* request_ = nullptr;             // what was asked for it; null when it is planned anew
     std::unordered_map<std::u16string, std::string> storedFolders_;  // inner path to stored path of a folder
     std::unordered_set<std::string> plannedSources_;
     std::unordered_map<std::string, uint32_t> plannedTargets_;  // key of the place to the step that fills it

@@ -141,6 +141,37 @@ std::vector<ItemTally> TallyItems(const Batch& batch) {
     return tallies;
 }
 
+// How an item that was planned fared.
+ItemReport ReportOf(const Batch& batch, const ItemTally& tally) {
+    ItemReport report;
+    report.outcome = tally.hasFailed           ? ItemOutcome::kFailed
+                     : tally.isPending         ? ItemOutcome::kNotReached
+                     : tally.worst != kNoIndex ? ItemOutcome::kSkipped
+                     : tally.hasSteps          ? ItemOutcome::kDone
+                                               : ItemOutcome::kNotReached;
+    if (tally.worst != kNoIndex) {
+        report.reason = batch.states[tally.worst].reason;
+        report.status = batch.states[tally.worst].status;
+    } else if (tally.isPending) {
+        report.reason = batch.isCancelled ? ItemReason::kCancelled : ItemReason::kNone;
+    }
+    return report;
+}
+
+uint64_t& CountOf(ItemOutcome outcome, BatchResult& result) {
+    switch (outcome) {
+        case ItemOutcome::kDone:
+            return result.done;
+        case ItemOutcome::kSkipped:
+            return result.skipped;
+        case ItemOutcome::kFailed:
+            return result.failed;
+        case ItemOutcome::kNotReached:
+            break;
+    }
+    return result.notReached;
+}
+
 }  // namespace
 
 void SummarizeItems(const Batch& batch, const PathCodec& codec, const BatchPlanner* planner, BatchResult& result) {
@@ -148,41 +179,16 @@ void SummarizeItems(const Batch& batch, const PathCodec& codec, const BatchPlann
     for (size_t i = 0; i < batch.items.size(); ++i) {
         const ItemTally& tally = tallies[i];
         if (planner == nullptr && !tally.hasSteps) continue;  // refused when it was planned, and told then
-        ItemReport report;
-        if (planner != nullptr) report = planner->refusal(i);
+        const ItemReport* const refusal = planner == nullptr ? nullptr : planner->refusal(i);
+        ItemReport report = refusal != nullptr ? *refusal : ReportOf(batch, tally);
+        ++CountOf(report.outcome, result);
+        if (report.outcome == ItemOutcome::kDone) continue;
         report.item = i;
-        const bool isRefused = report.reason != ItemReason::kNone;
-        const uint32_t step = tally.worst != kNoIndex ? tally.worst : tally.first;
-        if (!isRefused) {
-            report.outcome = tally.hasFailed           ? ItemOutcome::kFailed
-                             : tally.isPending         ? ItemOutcome::kNotReached
-                             : tally.worst != kNoIndex ? ItemOutcome::kSkipped
-                             : tally.hasSteps          ? ItemOutcome::kDone
-                                                       : ItemOutcome::kNotReached;
-            if (tally.worst != kNoIndex) {
-                report.reason = batch.states[step].reason;
-                report.status = batch.states[step].status;
-            } else if (tally.isPending) {
-                report.reason = batch.isCancelled ? ItemReason::kCancelled : ItemReason::kNone;
-            }
-        }
-        switch (report.outcome) {
-            case ItemOutcome::kDone:
-                ++result.done;
-                continue;
-            case ItemOutcome::kSkipped:
-                ++result.skipped;
-                break;
-            case ItemOutcome::kFailed:
-                ++result.failed;
-                break;
-            case ItemOutcome::kNotReached:
-                ++result.notReached;
-                break;
-        }
-        if (step != kNoIndex) {
+        if (const uint32_t step = tally.worst != kNoIndex ? tally.worst : tally.first; step != kNoIndex) {
             report.source = InnerPathOf(codec, batch.folders, batch.steps[step].source);
             report.target = InnerPathOf(codec, batch.folders, batch.steps[step].target);
+        } else if (batch.items[i].source.folder != kNoIndex) {
+            report.source = InnerPathOf(codec, batch.folders, batch.items[i].source);
         }
         result.reports.push_back(std::move(report));
     }

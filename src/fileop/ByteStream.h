@@ -14,14 +14,19 @@ class ByteWriter {
     void Put(Number number) {
         static_assert(std::is_integral_v<Number> || std::is_enum_v<Number>);
         auto bits = static_cast<uint64_t>(number);
-        for (size_t i = 0; i < sizeof(Number); ++i, bits >>= 8)
-            bytes_ += static_cast<char>(bits & 0xFF);
+        char bytes[sizeof(Number)];
+        for (char& byte : bytes) {
+            byte = static_cast<char>(bits & 0xFF);
+            bits >>= 8;
+        }
+        bytes_.append(bytes, sizeof(Number));
     }
     // A 32-bit length, then the bytes.
     void PutText(std::string_view text) {
         Put(static_cast<uint32_t>(text.size()));
         bytes_ += text;
     }
+    void PutBytes(std::string_view bytes) { bytes_ += bytes; }
 
     const std::string& bytes() const { return bytes_; }
     void Clear() { bytes_.clear(); }

@@ -346,6 +346,25 @@ TEST_F(FileOperationTest, JournalSyncsStayFew) {
     EXPECT_LE(copied.journalSyncs, 2 + copies.size() / 1000);
 }
 
+// Many items for one folder: it is listed once, and no look asks for a name that is not there.
+TEST_F(FileOperationTest, AListedFolderIsNotAskedForEachName) {
+    std::vector<Job> jobs;
+    for (int i = 0; i < 100; ++i) {
+        const std::string name = std::to_string(i);
+        disk.WriteFile("/many/" + name, "new");
+        if (i % 10 == 0) disk.WriteFile("/out/A/" + name, "old");
+        jobs.push_back({true, "/many/" + name, "/out/A"});
+    }
+    FaultSys counting(disk);
+    const BatchResult result = world.Run(counting, jobs, kSkip);
+    EXPECT_EQ(result.done, 90u);
+    EXPECT_EQ(result.skipped, 10u);
+    EXPECT_EQ(disk.ReadFile("/out/A/10"), "old");
+    EXPECT_EQ(disk.ReadFile("/many/10"), "new");
+    // Each source when it is planned, each move once more, and the ten names that are taken.
+    EXPECT_EQ(counting.CountOf(SysCall::kStatAt), 100u + 90u + 10u);
+}
+
 TEST_F(FileOperationTest, WithoutUndoNothingIsKeptAndNothingRecorded) {
     disk.WriteFile("/out/A/a.txt", "old");
     for (int round = 0; round < 2; ++round) {

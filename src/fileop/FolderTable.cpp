@@ -6,8 +6,8 @@ namespace kinsort {
 
 namespace {
 
-// Far below any limit on descriptors, and enough for the folders that one group works in.
-constexpr size_t kMostOpen = 48;
+// Far below the limits on descriptors, and enough for the folders that one group works in.
+constexpr size_t kMostOpen = 256;
 constexpr size_t kFewOpen = 6;
 
 FolderRecord RecordOf(uint32_t parent, std::string name, const FileInfo* info) {

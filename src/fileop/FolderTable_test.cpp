@@ -104,25 +104,25 @@ TEST_F(FolderTableTest, WhatStandsThereNowMustBeWhatWasChosen) {
 TEST_F(FolderTableTest, NeverHoldsManyFoldersOpen) {
     FolderTable table(faults, folders);
     const uint32_t top = *table.AddByPath("/top");
-    for (int i = 0; i < 200; ++i)
+    for (int i = 0; i < 400; ++i)
         disk.MakeFolders("/top/f" + std::to_string(i));
     const auto held = table.Open(AddExisting(table, top, "f0"));
-    for (int i = 1; i < 200; ++i)
+    for (int i = 1; i < 400; ++i)
         ASSERT_TRUE(table.Open(AddExisting(table, top, "f" + std::to_string(i))).ok());
-    EXPECT_LE(disk.openHandles(), 64u);
+    EXPECT_LE(disk.openHandles(), 260u);
     EXPECT_EQ(faults.Stat(**table.Open(1))->inode, disk.Look("/top/f0")->inode) << "opened anew";
     EXPECT_TRUE(faults.Stat(**held).ok()) << "who holds one keeps it";
 
     std::string path = "/top";
     uint32_t index = top;
-    for (int depth = 0; depth < 200; ++depth) {
+    for (int depth = 0; depth < 400; ++depth) {
         disk.MakeFolders(path += "/d");
         const FileInfo info = *disk.Look(path);
         index = table.AddChild(index, "d", &info);
     }
     table.CloseAll();
     ASSERT_TRUE(table.Open(index).ok());
-    EXPECT_LE(disk.openHandles(), 64u);
+    EXPECT_LE(disk.openHandles(), 260u);
     table.CloseAll();
     EXPECT_EQ(disk.openHandles(), 1u) << "the one that is held";
 }

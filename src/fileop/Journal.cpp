@@ -12,7 +12,9 @@ Journal::Journal(Sys& sys, FileHandle file, uint64_t length, uint64_t records)
 }
 
 void Journal::Append(RecordType type, std::string_view payload) {
+    constexpr size_t kMostBuffered = size_t{256} << 10;
     AppendFrame(buffer_, type, nextSequence_++, durableLength_, payload);
+    if (buffer_.size() >= kMostBuffered) (void)Flush();  // a failure comes back from the next call
 }
 
 Status Journal::Flush() {

@@ -17,7 +17,7 @@ class Journal {
     // as the Journal lives.
     Journal(Sys& sys, FileHandle file, uint64_t length, uint64_t records);
 
-    // Buffers one record. Cheap; nothing can fail yet.
+    // Buffers one record; a full buffer is written. A failure of that is told by the next Flush or Sync.
     void Append(RecordType type, std::string_view payload);
     // Writes what is buffered. It then survives the end of this process, not a power cut.
     Status Flush();

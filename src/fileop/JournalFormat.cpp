@@ -66,12 +66,11 @@ void AppendFrame(std::string& out, RecordType type, uint64_t sequence, uint64_t 
     covered.Put(sequence);
     covered.Put(durableLength);
     covered.Put(type);
-    std::string body = covered.bytes();
-    body.append(payload);
+    covered.PutBytes(payload);
     ByteWriter head;
     head.Put(static_cast<uint32_t>(payload.size()));
-    head.Put(ChecksumOf(body, sequence));
-    out.append(head.bytes()).append(body);
+    head.Put(ChecksumOf(covered.bytes(), sequence));
+    out.append(head.bytes()).append(covered.bytes());
 }
 
 JournalScan ScanJournal(std::string_view bytes) {

@@ -74,8 +74,11 @@ StepRunner::Group StepRunner::TakeGroup() {
         take(again_.front());
     // What was put off may be what the rest depends on.
     if (!group.empty()) return group;
-    for (; next_ < batch_.steps.size() && group.size() < settings_.groupSize; ++next_)
+    uint64_t bytes = 0;
+    for (; next_ < batch_.steps.size() && group.size() < settings_.groupSize && bytes < settings_.groupBytes; ++next_) {
         take(next_);
+        bytes += MakesContent(batch_.steps[next_].kind) ? batch_.steps[next_].sourceId.size : 0;
+    }
     // A step and those that depend on it stay together.
     for (; next_ < batch_.steps.size() && batch_.steps[next_].dependsOnPrevious; ++next_)
         take(next_);
@@ -125,8 +128,6 @@ void StepRunner::PrepareAll(Group& group) {
             if (slot.result.ok()) Count(slot);  // what is left for it is quick
         } else if (step.kind == StepKind::kRemoveCopy) {
             slot.result = actor_.VerifyRemoval(slot.index);
-        } else if (IsMove(step.kind)) {
-            slot.result = actor_.VerifyMove(slot.index, batch_.states[slot.index].made);
         }
     });
     // Without descriptors left the rest of the group waits until this part of it is done and closed.
@@ -225,7 +226,9 @@ void StepRunner::PublishAll(Group& group) {
     ForEach(group, [this](Slot& slot) {
         const Step& step = batch_.steps[slot.index];
         if (IsFolderStep(step.kind) || step.dependsOnPrevious) return;
-        if (slot.result.ok()) slot.result = actor_.Publish(slot.index, slot.content, batch_.states[slot.index].made);
+        FileIdentity& made = batch_.states[slot.index].made;
+        if (slot.result.ok() && IsMove(step.kind)) slot.result = actor_.VerifyMove(slot.index, made);
+        if (slot.result.ok()) slot.result = actor_.Publish(slot.index, slot.content, made);
         if (!slot.result.ok()) actor_.Discard(slot.index, slot.content);
         if (!IsTransfer(step.kind) || !slot.result.ok()) Settle(slot);
     });

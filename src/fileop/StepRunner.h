@@ -20,7 +20,8 @@ namespace kinsort {
 
 struct RunnerSettings {
     unsigned threads = 2;
-    size_t groupSize = 1000;  // steps between two syncs of the journal
+    size_t groupSize = 4000;                  // steps that become durable and visible together,
+    uint64_t groupBytes = uint64_t{1} << 30;  // and the bytes that they make, about
 };
 
 class StepRunner {
