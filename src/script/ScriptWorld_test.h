@@ -1,0 +1,82 @@
+// For tests: everything that a script can touch, in memory.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "framework/LaunchBatch.h"
+#include "framework/Messages.h"
+#include "framework/Settings.h"
+#include "framework/VelFolders.h"
+#include "platform/fake/FakeEnvironment.h"
+#include "platform/fake/FakeLocaleMap.h"
+#include "platform/fake/FakeUserAccount.h"
+#include "platform/fake/ManualClock.h"
+#include "platform/fake/ManualSleeper.h"
+#include "platform/fake/MemoryFileSystem.h"
+#include "platform/fake/MemoryRegistry.h"
+#include "platform/fake/RecordingOpener.h"
+#include "platform/fake/RecordingWindowMessages.h"
+#include "platform/fake/ScriptedProcesses.h"
+#include "platform/fake/ScriptedUserInterface.h"
+#include "platform/linux/IcuCodePages.h"
+#include "platform/linux/LinuxPathCodec.h"
+#include "platform/linux/LinuxSystemInfo.h"
+#include "script/Script.h"
+
+namespace kinsort {
+
+inline std::string Utf16Bytes(std::u16string_view text) {
+    std::string bytes;
+    for (const char16_t unit : text) {
+        bytes += static_cast<char>(unit & 0xFF);
+        bytes += static_cast<char>(unit >> 8);
+    }
+    return bytes;
+}
+
+struct ScriptWorld {
+    MemoryFileSystem files;
+    ScriptedUserInterface ui;
+    RecordingWindowMessages windows;
+    ScriptedProcesses processes;
+    RecordingOpener opener;
+    FakeEnvironment environment;
+    std::unique_ptr<PathCodec> codec = MakeLinuxPathCodec("/nowhere/drives");
+    std::unique_ptr<CodePages> codePages = MakeIcuCodePages();
+    MemoryRegistry registry;
+    Settings settings{registry, u"Kinsort"};
+    FakeUserAccount account;
+    VelFolders folders{{settings, files, account, environment, *codec}, u"C:\\V\\command\\Default\\Kinsort"};
+    Messages messages{settings, folders, files, ui};
+    ManualClock clock;
+    ManualSleeper sleeper{clock};
+    std::unique_ptr<SystemInfo> system = MakeLinuxSystemInfo();
+    FakeLocaleMap locale;
+    CancelToken cancel;
+    LaunchWorkers workers;
+
+    ScriptServices services{.files = files,
+                            .ui = ui,
+                            .windows = windows,
+                            .processes = processes,
+                            .opener = opener,
+                            .environment = environment,
+                            .codec = *codec,
+                            .codePages = *codePages,
+                            .settings = settings,
+                            .folders = folders,
+                            .messages = messages,
+                            .clock = clock,
+                            .sleeper = sleeper,
+                            .launchWorkers = workers,
+                            .system = *system,
+                            .locale = locale,
+                            .observer = nullptr,
+                            .cancel = &cancel};
+
+    void AddScript(std::u16string_view path, std::u16string_view text) { files.SetContent(path, Utf16Bytes(text)); }
+};
+
+}  // namespace kinsort
