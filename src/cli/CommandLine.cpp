@@ -67,6 +67,17 @@ std::string CheckValue(const OptionSpec& spec, const std::string& value) {
     return {};
 }
 
+std::string CheckAction(const CommandLine& line) {
+    const std::string choices = ListOfChoices(ActionNames(*line.verb, "|"));
+    if (line.operands.empty()) return line.Has(OptionId::kHelp) ? "" : "say what to do: " + choices;
+    const ActionSpec* const action = FindAction(*line.verb, line.operands[0]);
+    if (action == nullptr) return "takes " + choices + ", not '" + line.operands[0] + "'";
+    const size_t count = line.operands.size() - 1;
+    if (line.Has(OptionId::kHelp) || (count >= action->minOperands && count <= action->maxOperands)) return {};
+    if (action->maxOperands == 0) return std::string(action->name) + " takes no '" + line.operands[1] + "'";
+    return std::string(action->name) + " takes " + std::string(action->operands);
+}
+
 std::string CheckOperands(const CommandLine& line) {
     const size_t count = line.operands.size();
     switch (line.verb->operand) {
@@ -82,6 +93,8 @@ std::string CheckOperands(const CommandLine& line) {
         case OperandKind::kVerb:
         case OperandKind::kShell:
             return count <= 1 ? "" : "takes one name";
+        case OperandKind::kAction:
+            return CheckAction(line);
     }
     return {};
 }

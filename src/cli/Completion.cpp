@@ -22,6 +22,14 @@ std::string VisibleVerbs() {
     return names;
 }
 
+std::string FileActions(const VerbSpec& verb, std::string_view separator) {
+    std::string names;
+    for (const ActionSpec& action : verb.actions) {
+        if (action.takesFiles) names.append(names.empty() ? "" : separator).append(action.name);
+    }
+    return names;
+}
+
 // Inside single quotes of any shell.
 std::string Quoted(std::string_view text) {
     std::string quoted = "'";
@@ -69,6 +77,14 @@ std::string BashScript() {
                   "            mapfile -t COMPREPLY < <(compgen -W '" + words.substr(1) + "' -- \"$current\")\n";
         if (verb.operand == OperandKind::kItems) {
             script += "        else\n            mapfile -t COMPREPLY < <(compgen -f -- \"$current\")\n";
+        } else if (verb.operand == OperandKind::kAction) {
+            script += "        elif ((COMP_CWORD == 2)); then\n            mapfile -t COMPREPLY < <(compgen -W '" +
+                      ActionNames(verb, " ") + "' -- \"$current\")\n";
+            const std::string withFiles = FileActions(verb, "|");
+            if (!withFiles.empty()) {
+                script += "        elif [[ ${COMP_WORDS[2]} == @(" + withFiles +
+                          ") ]]; then\n            mapfile -t COMPREPLY < <(compgen -f -- \"$current\")\n";
+            }
         } else if (verb.operand == OperandKind::kVerb || verb.operand == OperandKind::kShell) {
             script += "        else\n            mapfile -t COMPREPLY < <(compgen -W '" +
                       (verb.operand == OperandKind::kVerb ? VisibleVerbs() : "bash zsh fish") + "' -- \"$current\")\n";
@@ -126,6 +142,10 @@ std::string ZshScript() {
         if (verb.operand == OperandKind::kItems) script += " \\\n            '*:item:_files'";
         if (verb.operand == OperandKind::kVerb) script += " \\\n            '1:command:(" + VisibleVerbs() + ")'";
         if (verb.operand == OperandKind::kShell) script += " \\\n            '1:shell:(bash zsh fish)'";
+        if (verb.operand == OperandKind::kAction) {
+            script += " \\\n            '1:action:(" + ActionNames(verb, " ") + ")'";
+            if (!FileActions(verb, "|").empty()) script += " \\\n            '*:file:_files'";
+        }
         script += "\n        ;;\n";
     }
     return script + "    esac\n}\n_kinsort \"$@\"\n";
@@ -141,6 +161,16 @@ std::string FishScript() {
         if (verb.operand != OperandKind::kItems) script += prefix + " -f\n";
         if (verb.operand == OperandKind::kVerb) script += prefix + " -a '" + VisibleVerbs() + "'\n";
         if (verb.operand == OperandKind::kShell) script += prefix + " -a 'bash zsh fish'\n";
+        if (verb.operand == OperandKind::kAction) {
+            const std::string actions = ActionNames(verb, " ");
+            script += "complete -c kinsort -n '__fish_seen_subcommand_from " + name +
+                      "; and not __fish_seen_subcommand_from " + actions + "' -a '" + actions + "'\n";
+            const std::string withFiles = FileActions(verb, " ");
+            if (!withFiles.empty()) {
+                script += "complete -c kinsort -n '__fish_seen_subcommand_from " + name +
+                          "; and __fish_seen_subcommand_from " + withFiles + "' -F\n";
+            }
+        }
         for (const OptionId id : verb.options) {
             const OptionSpec& option = SpecOf(id);
             script += prefix + " -l " + std::string(option.name);

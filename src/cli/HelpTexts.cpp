@@ -61,8 +61,12 @@ std::string SynopsisOf(const VerbSpec& verb) {
     if (takes(OptionId::kTo)) text += " --to DIR";
     if (takes(OptionId::kCopy)) text += " --copy|--move";
     if (verb.options.size() > 1) text += " [OPTION...]";
-    const std::string_view operand = OperandText(verb.operand);
-    return operand.empty() ? text : text + " " + std::string(operand);
+    const std::string operand = OperandText(verb);
+    return operand.empty() ? text : text + " " + operand;
+}
+
+std::string ActionText(const ActionSpec& action) {
+    return std::string(action.name) + (action.operands.empty() ? "" : " ") + std::string(action.operands);
 }
 
 std::string OptionText(const OptionSpec& option) {
@@ -94,6 +98,9 @@ std::string ProgramHelp() {
 std::string VerbHelp(const VerbSpec& verb) {
     std::string text = "Usage: " + SynopsisOf(verb) + "\n\n" + WrapText(verb.description, 0, kColumns);
     if (verb.operand == OperandKind::kItems) text.append("\n").append(WrapText(kItemsText, 0, kColumns));
+    if (!verb.actions.empty()) text += "\nActions:\n";
+    for (const ActionSpec& action : verb.actions)
+        text += Entry(ActionText(action), action.summary);
     text += "\nOptions:\n";
     for (const OptionId id : verb.options)
         text += Entry(OptionText(SpecOf(id)), SpecOf(id).help);

@@ -32,6 +32,8 @@ inline constexpr std::string_view kItemsText =
 
 // "kinsort plan --to DIR [OPTIONS] [ITEM...]"
 std::string SynopsisOf(const VerbSpec& verb);
+// "set NAME VALUE"
+std::string ActionText(const ActionSpec& action);
 // "--on-conflict=ask|skip|replace|keep-both"
 std::string OptionText(const OptionSpec& option);
 

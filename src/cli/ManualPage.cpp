@@ -103,6 +103,8 @@ std::string CommandSection() {
         page += ".SS " + Escaped(SynopsisOf(verb)) + "\n" + Escaped(verb.summary) + ".\n.PP\n" +
                 Paragraphs(verb.description);
         if (verb.operand == OperandKind::kItems) page += ".PP\n" + Paragraphs(kItemsText);
+        for (const ActionSpec& action : verb.actions)
+            page += Tagged(std::string(verb.name) + " " + ActionText(action), action.summary);
         for (const OptionId id : verb.options)
             page += Tagged(OptionText(SpecOf(id)), SpecOf(id).help);
     }

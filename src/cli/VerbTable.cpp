@@ -68,8 +68,21 @@ const VerbSpec* FindVerb(std::string_view name) {
     return found == kVerbs.end() ? nullptr : &*found;
 }
 
-std::string_view OperandText(OperandKind kind) {
-    switch (kind) {
+const ActionSpec* FindAction(const VerbSpec& verb, std::string_view name) {
+    const auto found = std::find_if(verb.actions.begin(), verb.actions.end(),
+                                    [name](const ActionSpec& action) { return action.name == name; });
+    return found == verb.actions.end() ? nullptr : &*found;
+}
+
+std::string ActionNames(const VerbSpec& verb, std::string_view separator) {
+    std::string names;
+    for (const ActionSpec& action : verb.actions)
+        names.append(names.empty() ? "" : separator).append(action.name);
+    return names;
+}
+
+std::string OperandText(const VerbSpec& verb) {
+    switch (verb.operand) {
         case OperandKind::kNone:
             return "";
         case OperandKind::kItems:
@@ -80,6 +93,8 @@ std::string_view OperandText(OperandKind kind) {
             return "[COMMAND]";
         case OperandKind::kShell:
             return "SHELL";
+        case OperandKind::kAction:
+            return ActionNames(verb, "|") + " [ARGUMENT...]";
     }
     return "";
 }

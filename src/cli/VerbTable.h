@@ -2,7 +2,9 @@
 // row in VerbTable.cpp; parsing, help, completion and the manual page follow.
 #pragma once
 
+#include <cstddef>
 #include <span>
+#include <string>
 #include <string_view>
 
 #include "cli/ExitCode.h"
@@ -13,7 +15,18 @@ namespace kinsort {
 class CliContext;
 struct CommandLine;
 
-enum class OperandKind : uint8_t { kNone, kItems, kBatch, kVerb, kShell };
+// kAction: the first operand is one of the verb's actions, which say what follows it.
+enum class OperandKind : uint8_t { kNone, kItems, kBatch, kVerb, kShell, kAction };
+
+// What a verb like "settings" can do: "kinsort settings get NAME".
+struct ActionSpec {
+    std::string_view name;
+    std::string_view operands;  // as help shows them: "NAME VALUE", "[FILE]"
+    size_t minOperands;         // behind the action
+    size_t maxOperands;
+    bool takesFiles;  // completion offers the names of files
+    std::string_view summary;
+};
 
 struct VerbSpec {
     std::string_view name;
@@ -23,14 +36,20 @@ struct VerbSpec {
     std::span<const OptionId> options;
     ExitCode (*run)(CliContext& context, const CommandLine& line);
     bool isHidden;  // for the build, not for people
+    std::span<const ActionSpec> actions = {};
 };
 
 std::span<const VerbSpec> Verbs();
 // Null when there is no such verb.
 const VerbSpec* FindVerb(std::string_view name);
 
+// Null when the verb has no such action.
+const ActionSpec* FindAction(const VerbSpec& verb, std::string_view name);
+// "get|set|list": the names of the verb's actions with `separator` between them.
+std::string ActionNames(const VerbSpec& verb, std::string_view separator);
+
 // How an operand is written in help: "[ITEM...]", "[ID]".
-std::string_view OperandText(OperandKind kind);
+std::string OperandText(const VerbSpec& verb);
 
 ExitCode RunPlan(CliContext& context, const CommandLine& line);
 ExitCode RunSort(CliContext& context, const CommandLine& line);
