@@ -5,6 +5,7 @@
 #include "script/ScriptError.h"
 #include "text/AsciiCase.h"
 #include "text/Numbers.h"
+#include "text/Split.h"
 #include "text/Trim.h"
 
 namespace kinsort {
@@ -36,26 +37,6 @@ Occurring FindOccurring(const VariableTable& table, std::u16string_view text, ui
         if (number >= from) found.next = std::min(found.next, number);
     });
     return found;
-}
-
-// Every occurrence of `from`, left to right. False, and nothing changed, when the text would become too long.
-bool ReplaceWithin(std::u16string& text, std::u16string_view from, std::u16string_view to) {
-    size_t occurrences = 0;
-    for (size_t at = text.find(from); at != text.npos; at = text.find(from, at + from.size()))
-        ++occurrences;
-    const size_t rest = text.size() - occurrences * from.size();
-    if (rest > kMaxExpandedLength || (occurrences != 0 && to.size() > (kMaxExpandedLength - rest) / occurrences)) {
-        return false;
-    }
-    std::u16string out;
-    out.reserve(rest + occurrences * to.size());
-    size_t done = 0;
-    for (size_t at = text.find(from); at != text.npos; at = text.find(from, done)) {
-        out.append(text, done, at - done).append(to);
-        done = at + from.size();
-    }
-    text = std::move(out.append(text, done));
-    return true;
 }
 
 // One element or plain name. False, with the message, when it may not be declared.
@@ -180,7 +161,7 @@ bool ExpandVariables(const VariableTable& table, std::u16string& text) {
         // Nothing is left of this pass when only earlier entries occur; they are the next pass's.
         for (found.next = found.first; found.next != NameTrie::kNone;) {
             const VariableTable::Entry& entry = table.entries()[found.next];
-            if (!ReplaceWithin(out, entry.name, entry.value)) return false;
+            if (!ReplaceWithin(out, entry.name, entry.value, kMaxExpandedLength)) return false;
             found = FindOccurring(table, out, found.next + 1);
         }
     }

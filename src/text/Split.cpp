@@ -39,4 +39,15 @@ std::u16string Replace(std::u16string_view text, std::u16string_view from, std::
     return out.append(text.substr(begin));
 }
 
+bool ReplaceWithin(std::u16string& text, std::u16string_view from, std::u16string_view to, size_t mostUnits) {
+    if (from.empty()) return text.size() <= mostUnits;
+    size_t occurrences = 0;
+    for (size_t found = text.find(from); found != text.npos; found = text.find(from, found + from.size()))
+        ++occurrences;
+    const size_t kept = text.size() - occurrences * from.size();
+    if (kept > mostUnits || (occurrences != 0 && to.size() > (mostUnits - kept) / occurrences)) return false;
+    if (occurrences != 0) text = Replace(text, from, to);
+    return true;
+}
+
 }  // namespace kinsort

@@ -1,6 +1,7 @@
 // Cutting a text at separators, putting pieces together, and replacing.
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -18,5 +19,9 @@ std::u16string Join(const std::vector<std::u16string>& pieces, std::u16string_vi
 // Every occurrence of `from`, left to right, those inside of what was put in not looked at again. An empty `from`
 // changes nothing.
 std::u16string Replace(std::u16string_view text, std::u16string_view from, std::u16string_view to);
+
+// The same in place. False, and nothing changed, when the text would become longer than `mostUnits`.
+[[nodiscard]] bool ReplaceWithin(std::u16string& text, std::u16string_view from, std::u16string_view to,
+                                 size_t mostUnits);
 
 }  // namespace kinsort

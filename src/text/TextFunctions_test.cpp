@@ -43,6 +43,13 @@ TEST(Replace, WorksFromTheLeftOnce) {
     EXPECT_EQ(Replace(u"a.b.", u".", u".."), u"a..b..");
     EXPECT_EQ(Replace(u"abc", u"", u"x"), u"abc");
     EXPECT_EQ(Replace(u"abc", u"abc", u""), u"");
+    const std::pair<size_t, std::u16string_view> limits[] = {
+        {4, u"a.a."}, {5, u"a.a."}, {6, u"a..a.."}, {7, u"a..a.."}};
+    for (const auto& [mostUnits, expected] : limits) {
+        std::u16string text = u"a.a.";
+        EXPECT_EQ(ReplaceWithin(text, u".", u"..", mostUnits), expected.size() == 6);
+        EXPECT_EQ(text, expected);
+    }
 }
 
 TEST(Numbers, AreReadLikeTheCRuntimeDoes) {
