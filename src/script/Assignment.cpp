@@ -95,6 +95,9 @@ AssignmentResult FindValue(std::u16string_view untrimmed, const std::u16string& 
     switch (result.kind) {
         case FunctionResult::Kind::kEnded:
             return AssignmentResult::kEnded;
+        case FunctionResult::Kind::kUnchanged:
+            value = old;
+            return AssignmentResult::kAssigned;
         case FunctionResult::Kind::kText:
             return AssignmentResult::kAssigned;
         case FunctionResult::Kind::kUnknown:

@@ -23,10 +23,11 @@ struct FunctionCall {
 
 struct FunctionResult {
     enum class Kind : uint8_t {
-        kText,     // `value` is stored exactly
-        kPlain,    // hexadecimal numbers are replaced and a sum is evaluated before `value` is stored
-        kUnknown,  // there is no function of this name: the whole right side is an ordinary value
-        kEnded,    // the function has said what was wrong; the run ends and nothing is stored
+        kText,       // `value` is stored exactly
+        kPlain,      // hexadecimal numbers are replaced and a sum is evaluated before `value` is stored
+        kUnknown,    // there is no function of this name: the whole right side is an ordinary value
+        kUnchanged,  // the variable keeps its value; the function has said why
+        kEnded,      // the function has said what was wrong; the run ends and nothing is stored
     };
     Kind kind = Kind::kUnknown;
     std::u16string value;
@@ -34,6 +35,7 @@ struct FunctionResult {
     static FunctionResult Text(std::u16string value) { return {Kind::kText, std::move(value)}; }
     static FunctionResult Plain(std::u16string value) { return {Kind::kPlain, std::move(value)}; }
     static FunctionResult Unknown() { return {}; }
+    static FunctionResult Unchanged() { return {Kind::kUnchanged, {}}; }
     static FunctionResult Ended() { return {Kind::kEnded, {}}; }
 };
 

@@ -5,6 +5,7 @@
 
 #include "framework/Paths.h"
 #include "framework/VelFolders.h"
+#include "script/ItemTokens.h"
 #include "text/Numbers.h"
 #include "text/Split.h"
 #include "text/Trim.h"
@@ -13,9 +14,6 @@
 namespace kinsort {
 
 namespace {
-
-// From this length on an item is given by its short form where there is one.
-constexpr size_t kLongItemLength = 260;
 
 // A date of more units is none.
 constexpr size_t kMaxDateLength = 127;
@@ -72,34 +70,6 @@ constexpr FolderToken kFolderTokens[] = {
     {u"?TargetDrive?", [](const ExpansionScope&) { return std::u16string(); }, u"always empty"},
 };
 
-struct SelectedItem {
-    std::u16string path;    // short form if it is long and there is one
-    std::u16string folder;  // with its separator; empty when there is none
-    std::u16string baseName;
-    std::u16string extension;
-};
-
-struct ItemToken {
-    std::u16string_view token;
-    std::u16string (*value)(const SelectedItem& item);
-    std::u16string_view help;
-};
-constexpr ItemToken kItemTokens[] = {
-    {u"?SelFile?", [](const SelectedItem& item) { return Quote(item.path); }, u"the item, in quotation marks"},
-    {u"?selfile?", [](const SelectedItem& item) { return item.path; }, u"the item"},
-    {u"?FileName?", [](const SelectedItem& item) { return item.baseName + item.extension; }, u"its name"},
-    {u"?Name?", [](const SelectedItem& item) { return item.baseName; }, u"its name without the extension"},
-    {u"?Ext?", [](const SelectedItem& item) { return item.extension; }, u"its extension, with the point"},
-    {u"?filename?", [](const SelectedItem& item) { return Quote(item.baseName + item.extension); },
-     u"?FileName? in quotation marks"},
-    {u"?name?", [](const SelectedItem& item) { return Quote(item.baseName); }, u"?Name? in quotation marks"},
-    {u"?ext?", [](const SelectedItem& item) { return Quote(item.extension); }, u"?Ext? in quotation marks"},
-    {u"?selpath?", [](const SelectedItem& item) { return Quote(item.folder); }, u"?SelPath? in quotation marks"},
-    {u"?SelPath?", [](const SelectedItem& item) { return item.folder; }, u"its folder, with the backslash"},
-    {u"?SelParent?", [](const SelectedItem& item) { return RemoveTrailingSeparatorKeepRoot(item.folder); },
-     u"its folder"},
-};
-
 template <typename Table>
 bool HoldsOneOf(std::u16string_view text, const Table& table) {
     for (const auto& row : table)
@@ -133,27 +103,6 @@ void FillInFolders(std::u16string& text, const ExpansionScope& scope) {
         ReplaceToken(text, row.token, {});
 }
 
-SelectedItem TakeApart(const std::u16string& path, const SystemInfo& system) {
-    SelectedItem item;
-    item.path = path.size() >= kLongItemLength ? GetShortName(system, path) : path;
-    if (item.path.empty()) item.path = path;
-    item.folder = path.substr(0, path.find_last_of(u"\\/") + 1);
-    PathParts parts = SplitPath(path);
-    item.baseName = std::move(parts.baseName);
-    item.extension = std::move(parts.extension);
-    return item;
-}
-
-void FillInItem(std::u16string& text, const ExpansionScope& scope) {
-    const auto index = static_cast<size_t>(scope.forIndex);
-    if (scope.forIndex < 0 || index >= scope.selectedItems.size() || !HoldsOneOf(text, kItemTokens)) return;
-    const SelectedItem item = TakeApart(scope.selectedItems[index], scope.system);
-    for (const ItemToken& row : kItemTokens)
-        ReplaceToken(text, row.token, row.value(item));
-    for (const ItemToken& row : kItemTokens)
-        ReplaceToken(text, row.token, {});
-}
-
 void FillInPathTokens(std::u16string& text, const ExpansionScope& scope) {
     if (text.find(u'%') != text.npos) text = scope.folders.ExpandDirectoryMacros(text);
     if (text.find(u'?') == text.npos) return;
@@ -167,7 +116,9 @@ std::optional<std::u16string> ExpandLine(std::u16string_view text, const Expansi
     std::u16string out(text);
     if (!ExpandVariables(scope.variables, out)) return std::nullopt;
     FillInPathTokens(out, scope);
-    if (out.find(u'?') != out.npos) FillInItem(out, scope);
+    const auto index = static_cast<size_t>(scope.forIndex);
+    if (scope.forIndex >= 0 && index < scope.selectedItems.size())
+        out = FillInItem(out, scope.selectedItems[index], scope.system);
     const bool hasBlankEnd = !out.empty() && (IsWhiteSpace(out.front()) || IsWhiteSpace(out.back()));
     if (trimming == Trimming::kTrim && hasBlankEnd) out = Trim(out);
     return out;
@@ -201,7 +152,7 @@ std::vector<TokenHelp> ListTokens() {
     };
     add(kDateTokens);
     add(kFolderTokens);
-    add(kItemTokens);
+    add(ListItemTokens());
     return tokens;
 }
 

@@ -11,6 +11,7 @@
 
 #include "platform/Clock.h"
 #include "platform/SystemInfo.h"
+#include "script/ItemTokens.h"
 #include "script/VariableTable.h"
 
 namespace kinsort {
@@ -57,10 +58,6 @@ class RunTokens {
 };
 
 // Every token that ExpandLine and RunTokens know, for lists and checks: "?Date?".
-struct TokenHelp {
-    std::u16string_view token;
-    std::u16string_view help;
-};
 std::vector<TokenHelp> ListTokens();
 
 }  // namespace kinsort
