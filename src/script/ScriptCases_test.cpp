@@ -38,10 +38,11 @@ class CaseReader {
             Expectation(number).values.push_back(ReplaceEscapes(Trim(rest)));
         } else if (text.starts_with(u"//!")) {
             LineExpectation& line = Expectation(number);
-            if (Trim(rest) == u"not run")
+            const std::u16string event = Replace(Trim(rest), u"<LINE>", FormatInteger(lastLine_));
+            if (event == u"not run")
                 line.isNeverRun = true;
             else
-                line.events.push_back(ReplaceEscapes(Trim(rest)));
+                line.events.push_back(ReplaceEscapes(event));
         } else {
             const std::u16string statement = Trim(text);
             const bool isLine = !statement.empty() && !statement.starts_with(u"//");

@@ -184,11 +184,10 @@ class CaseRunner final : public ScriptObserver {
 
     std::string Place(int line) const { return "line " + std::to_string(line); }
 
-    // Keeps what the line that has just run did.
+    // Keeps what the line that has just run did; line 0 is what comes before the first one.
     void FinishLine() {
         if (world_.sleeper.slept != slept_) Note(u"wait: " + FormatInteger(world_.sleeper.slept - slept_));
         slept_ = world_.sleeper.slept;
-        if (line_ == 0) return;
         Done& done = done_[line_];
         ++done.times;
         const std::u16string* const value = variables_.Find(target_);
