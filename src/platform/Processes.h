@@ -41,6 +41,12 @@ class Process {
 
     // Waits for the end, at most `milliseconds` (kWaitForever: without limit). True when the process has ended.
     virtual bool Wait(int32_t milliseconds) = 0;
+    // Waits until the process, which is not to end meanwhile, has nothing to do but wait for input, at most so long.
+    // False when the time is over; kNotFound when the process has ended. Where nobody can tell, it is ready at once.
+    virtual Result<bool> WaitForIdle(int32_t milliseconds) {
+        (void)milliseconds;
+        return true;
+    }
     // kStillRunning, or what the process ended with: its own code; 128 + n when signal n ended it.
     virtual uint32_t ExitCode() = 0;
     // Ends the process at once, and it alone; from then on ExitCode() says `exitCode`. Does nothing to one that has

@@ -13,6 +13,7 @@ namespace kinsort {
 struct ScriptedRun {
     Status start;            // a failure: it cannot be started
     bool endsInTime = true;  // false: every Wait() runs out
+    Result<bool> idle = true;
     uint32_t exitCode = 0;
     Status terminate;  // what the try to end it gives
 };
@@ -23,6 +24,7 @@ class ScriptedProcesses final : public Processes {
     // What happened, in order.
     std::vector<ProcessRequest> started;
     std::vector<int32_t> waits;          // milliseconds
+    std::vector<int32_t> idleWaits;      // likewise
     std::vector<uint32_t> terminations;  // exit codes
 
     Result<std::unique_ptr<Process>> Start(const ProcessRequest& request) override {
@@ -44,10 +46,14 @@ class ScriptedProcesses final : public Processes {
             log_.waits.push_back(milliseconds);
             return run_.endsInTime;
         }
+        Result<bool> WaitForIdle(int32_t milliseconds) override {
+            log_.idleWaits.push_back(milliseconds);
+            return run_.idle;
+        }
         uint32_t ExitCode() override { return run_.endsInTime ? run_.exitCode : kStillRunning; }
         Status Terminate(uint32_t exitCode) override {
             log_.terminations.push_back(exitCode);
-            if (run_.terminate.ok()) run_ = {.start = {}, .endsInTime = true, .exitCode = exitCode, .terminate = {}};
+            if (run_.terminate.ok()) run_ = {.start = {}, .exitCode = exitCode, .terminate = {}};
             return run_.terminate;
         }
         uint32_t Id() const override { return 4711; }

@@ -1,8 +1,10 @@
 #include "platform/linux/LinuxProcesses.h"
 
 #include <algorithm>
+#include <array>
 #include <chrono>
 #include <optional>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -29,6 +31,16 @@ using SteadyTime = std::chrono::steady_clock;
 constexpr uint32_t kSignalBase = 128;
 constexpr int32_t kTerminateWaitMs = 1000;
 
+// The state letter of the main thread, behind the program's name, which may hold anything.
+bool IsSleeping(pid_t id) {
+    const Descriptor file(open(("/proc/" + std::to_string(id) + "/stat").c_str(), O_RDONLY | O_CLOEXEC));
+    std::array<char, 256> bytes;
+    const ssize_t got = file.isOpen() ? read(file.get(), bytes.data(), bytes.size()) : 0;
+    const std::string_view text(bytes.data(), got > 0 ? static_cast<size_t>(got) : 0);
+    const size_t bracket = text.rfind(')');
+    return bracket != text.npos && text.substr(bracket).starts_with(") S");
+}
+
 class LinuxProcess final : public Process {
   public:
     LinuxProcess(std::shared_ptr<ChildReaper> reaper, pid_t id, Descriptor handle)
@@ -54,6 +66,17 @@ class LinuxProcess final : public Process {
         }
         if (ready > 0) Collect();
         return ended_.has_value();
+    }
+
+    // What a main thread does that has nothing to do: it sleeps until something comes.
+    Result<bool> WaitForIdle(int32_t milliseconds) override {
+        constexpr int32_t kLookEveryMs = 10;
+        const auto end = SteadyTime::now() + std::chrono::milliseconds(milliseconds);
+        while (!Wait(kLookEveryMs)) {
+            if (IsSleeping(id_)) return true;
+            if (SteadyTime::now() >= end) return false;
+        }
+        return StatusFromErrno(ESRCH, StatusCode::kNotFound);
     }
 
     uint32_t ExitCode() override { return Wait(0) ? *ended_ : kStillRunning; }

@@ -84,6 +84,19 @@ TEST_F(LinuxProcessesTest, AProcessThatTakesTooLongCanBeEnded) {
     EXPECT_EQ((*process)->ExitCode(), 999u);
 }
 
+TEST_F(LinuxProcessesTest, AProgramIsIdleWhenItWaits) {
+    const Result<std::unique_ptr<Process>> busy = processes_->Start(Shell(u"while :; do :; done"));
+    const Result<std::unique_ptr<Process>> waiting = processes_->Start(Shell(u"exec sleep 1000 # ) S"));
+    const Result<std::unique_ptr<Process>> ended = processes_->Start(Shell(u"exit 1"));
+    ASSERT_TRUE(busy.ok() && waiting.ok() && ended.ok());
+    EXPECT_TRUE(*(*waiting)->WaitForIdle(60'000));
+    EXPECT_FALSE(*(*busy)->WaitForIdle(0));
+    EXPECT_TRUE((*ended)->Wait(kWaitForever));
+    EXPECT_EQ((*ended)->WaitForIdle(60'000).code(), StatusCode::kNotFound);
+    for (const auto* process : {&busy, &waiting})
+        EXPECT_TRUE((**process)->Terminate(1).ok());
+}
+
 TEST_F(LinuxProcessesTest, OnlyWholePathsAreTranslated) {
     std::filesystem::create_directories(folder_.path() + "/in here");
     ProcessRequest request = Shell(u"printf '%s\\n' \"$PWD\" \"$@\" > out");
