@@ -3,7 +3,7 @@
 #pragma once
 
 #include <QStringList>
-#include <QTreeView>
+#include <QTableView>
 #include <memory>
 #include <optional>
 #include <utility>
@@ -16,7 +16,7 @@ namespace kinsort {
 
 class PlanListModel;
 
-class PlanListWidget final : public QTreeView, public CmdListView {
+class PlanListWidget final : public QTableView, public CmdListView {
   public:
     // The icons outlive it.
     explicit PlanListWidget(const QtIcons& icons, QWidget* parent = nullptr);
@@ -43,10 +43,13 @@ class PlanListWidget final : public QTreeView, public CmdListView {
 
   protected:
     void keyPressEvent(QKeyEvent* event) override;
+    void keyboardSearch(const QString& text) override;
     void paintEvent(QPaintEvent* event) override;
+    void changeEvent(QEvent* event) override;
 
   private:
     void HintVisibleRows();
+    void FitRowHeight();
 
     std::unique_ptr<PlanListModel> model_;
     CCmdListCtrl* control_ = nullptr;

@@ -28,12 +28,17 @@ class QtIcons final : public Icons {
     const QIcon& IconOf(int index) const;
 
   private:
-    int IndexOfType(const QString& mimeType);
+    struct TypeIcon {
+        QString name;         // in the desktop's icon theme
+        QString genericName;  // where the theme has none of that name
+    };
+    int IndexOfType(const QMimeType& type);
+    int IndexOf(const QString& typeName, TypeIcon icon);
 
     FileSystem& files_;
-    QMimeDatabase types_;  // its calls may come from any thread
+    QMimeDatabase types_;  // asked by workers only: reading it in takes its time
     mutable std::mutex mutex_;
-    std::vector<QString> typeOfIndex_;  // under mutex_
+    std::vector<TypeIcon> typeIcons_;   // by index; under mutex_
     QHash<QString, int> indexOfType_;   // under mutex_
     mutable std::vector<QIcon> icons_;  // by index, made when first drawn; thread of the user interface
 };

@@ -1,0 +1,68 @@
+#include "ui/qt/DirMenuPopup.h"
+
+#include <QAction>
+#include <QCursor>
+#include <QMenu>
+#include <QProxyStyle>
+
+#include "ui/qt/QtText.h"
+
+namespace kinsort {
+
+namespace {
+
+// Long menus scroll; without it some styles break them into columns that fill the screen.
+class ScrollingMenus final : public QProxyStyle {
+  public:
+    int styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
+                  QStyleHintReturn* data) const override {
+        return hint == SH_Menu_Scrollable ? 1 : QProxyStyle::styleHint(hint, option, widget, data);
+    }
+};
+
+QString ItemText(std::u16string_view name) {
+    return ToQString(name).replace(u'&', QStringLiteral("&&"));  // no accelerators
+}
+
+class FolderMenu final : public QMenu {
+  public:
+    FolderMenu(CDirMenu& menu, CDirMenuObj& level, QStyle& style, QWidget* parent)
+        : QMenu(parent), menu_(menu), level_(level), style_(style) {
+        setStyle(&style);
+        connect(this, &QMenu::aboutToShow, this, &FolderMenu::Fill);
+    }
+
+    void Fill() {
+        if (!actions().isEmpty()) return;
+        menu_.OnInitMenuPopup(level_);
+        for (const DirMenuItem& item : level_.Items()) {
+            if (item.subMenu != nullptr) {
+                auto* below = new FolderMenu(menu_, *item.subMenu, style_, this);
+                below->setTitle(ItemText(item.text));
+                addMenu(below);
+            } else {
+                addAction(ItemText(item.text))->setData(item.commandId);
+            }
+        }
+    }
+
+  private:
+    CDirMenu& menu_;
+    CDirMenuObj& level_;
+    QStyle& style_;
+};
+
+}  // namespace
+
+uint16_t DirMenuPopup::TrackPopup(CDirMenu& menu, CDirMenuObj& top) {
+    ScrollingMenus style;
+    FolderMenu popup(menu, top, style, &anchor_);
+    popup.Fill();  // its size decides where it goes
+    const QPoint middle = anchor_.mapToGlobal(anchor_.rect().center());
+    QCursor::setPos(middle);
+    const QSize size = popup.sizeHint();
+    const QAction* chosen = popup.exec(middle - QPoint(size.width() / 2, size.height() / 2));
+    return chosen == nullptr ? uint16_t{0} : static_cast<uint16_t>(chosen->data().toUInt());
+}
+
+}  // namespace kinsort
