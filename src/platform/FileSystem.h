@@ -40,7 +40,7 @@ class FolderSearch {
     virtual bool Next(FindData& entry) = 0;
 };
 
-// A file that is read from its beginning to its end; closed when it goes.
+// A file that is read from its beginning to its end; closed when it goes. Failures name the path it was opened by.
 class InputFile {
   public:
     virtual ~InputFile() = default;
@@ -50,7 +50,7 @@ class InputFile {
 };
 
 // A file that is written to. What was handed over is buffered: it reaches the file when enough has come together, and
-// by Close() at the latest.
+// by Close() at the latest. Failures name the path it was opened by.
 class OutputFile {
   public:
     virtual ~OutputFile() = default;  // closes; a failure then goes unsaid

@@ -12,6 +12,7 @@
 #include "script/ScriptLine.h"
 #include "script/ScriptRun.h"
 #include "script/StatementTable.h"
+#include "script/commands/OutputFile.h"
 #include "text/Numbers.h"
 #include "text/Split.h"
 #include "text/Trim.h"
@@ -47,16 +48,8 @@ LineOutcome RunEndOfFile(ScriptRun&, const ScriptLine&) {
     return LineOutcome::kEndNormally;
 }
 
-// A file that could not be written is said, by its close at the latest.
-void CloseOutput(ScriptRun& run) {
-    if (!run.output) return;
-    run.processes.lastError = run.output->Close();
-    run.output.reset();
-    ShowLastError(run.processes, run.processes.lastError.path());
-}
-
 LineOutcome RunFileClose(ScriptRun& run, const ScriptLine&) {
-    CloseOutput(run);
+    CloseOutputFile(run);
     return LineOutcome::kNextLine;
 }
 
@@ -234,7 +227,7 @@ LineOutcome RunFile(ScriptRun& run) {
         return run.Fail(ScriptError::kLabelInUse, *repeated);
     const LineOutcome outcome = RunLines(run);
     if (outcome == LineOutcome::kEndNormally) CarryOutDeferredRuns(run);
-    CloseOutput(run);
+    CloseOutputFile(run);
     return outcome;
 }
 

@@ -45,11 +45,13 @@ class MemoryInput final : public InputFile {
 
 class MemoryOutput final : public OutputFile {
   public:
-    explicit MemoryOutput(std::shared_ptr<MemoryFile> file) : file_(std::move(file)) { file_->hasWriter = true; }
+    MemoryOutput(std::shared_ptr<MemoryFile> file, std::u16string_view path) : file_(std::move(file)), path_(path) {
+        file_->hasWriter = true;
+    }
     ~MemoryOutput() override { static_cast<void>(Close()); }
     Status Write(std::span<const std::byte> bytes) override {
-        if (file_ == nullptr) return Status::Failure(StatusCode::kInvalid);
-        if (file_->isFull) return Status::Failure(StatusCode::kNoSpace, 28, u"No space left on device");
+        if (file_ == nullptr) return Status::Failure(StatusCode::kInvalid).At(path_);
+        if (file_->isFull) return Status::Failure(StatusCode::kNoSpace, 28, u"No space left on device").At(path_);
         file_->bytes.append(reinterpret_cast<const char*>(bytes.data()), bytes.size());
         return {};
     }
@@ -61,6 +63,7 @@ class MemoryOutput final : public OutputFile {
 
   private:
     std::shared_ptr<MemoryFile> file_;
+    std::u16string path_;
 };
 
 FindData FolderData(std::u16string_view name) {
@@ -252,7 +255,7 @@ Result<std::unique_ptr<OutputFile>> MemoryFileSystem::OpenOutput(std::u16string_
     if (code == StatusCode::kOk && (FileAt(key).hasWriter || FileAt(key).readers > 0)) code = StatusCode::kLocked;
     if (code != StatusCode::kOk) return Status::Failure(code).At(std::u16string(path));
     if (start == OutputStart::kEmpty) FileAt(key).bytes.clear();
-    return std::unique_ptr<OutputFile>(std::make_unique<MemoryOutput>(files_.at(key)));
+    return std::unique_ptr<OutputFile>(std::make_unique<MemoryOutput>(files_.at(key), path));
 }
 
 Result<std::u16string> MemoryFileSystem::ResolveFullPath(std::u16string_view path) {

@@ -321,6 +321,7 @@ TEST_F(LinuxFileSystemTest, AFullVolumeIsSaidAtTheLatestWhenTheFileIsClosed) {
     EXPECT_EQ(Put(**file, std::string(100'000, 'x')).code(), StatusCode::kNoSpace);
     EXPECT_EQ(Put(**file, "x").code(), StatusCode::kNoSpace);
     EXPECT_EQ((*file)->Close().code(), StatusCode::kNoSpace);
+    EXPECT_EQ((*file)->Close().path(), u"Z:\\dev\\full");
     file = files_->OpenOutput(u"Z:\\dev\\full", OutputStart::kEmpty);
     EXPECT_TRUE(Put(**file, "x").ok());
     EXPECT_EQ((*file)->Close().code(), StatusCode::kNoSpace);

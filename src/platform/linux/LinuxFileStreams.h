@@ -2,14 +2,16 @@
 #pragma once
 
 #include <memory>
+#include <string_view>
 
 #include "platform/FileSystem.h"
 #include "platform/linux/PathWalk.h"
 
 namespace kinsort {
 
-// As FileSystem says; failures do not name the path.
-Result<std::unique_ptr<InputFile>> OpenLinuxInput(const PathPlace& place);
-Result<std::unique_ptr<OutputFile>> OpenLinuxOutput(const PathPlace& place, OutputStart start);
+// As FileSystem says. `path` is what failures name, those of the open file included.
+Result<std::unique_ptr<InputFile>> OpenLinuxInput(const PathPlace& place, std::u16string_view path);
+Result<std::unique_ptr<OutputFile>> OpenLinuxOutput(const PathPlace& place, OutputStart start,
+                                                    std::u16string_view path);
 
 }  // namespace kinsort

@@ -164,17 +164,13 @@ class LinuxFileSystem final : public FileSystem {
     Result<std::unique_ptr<InputFile>> OpenInput(std::u16string_view path) override {
         const Result<PathPlace> place = Place(path);
         if (!place.ok()) return place.status().At(std::u16string(path));
-        Result<std::unique_ptr<InputFile>> file = OpenLinuxInput(*place);
-        if (!file.ok()) return file.status().At(std::u16string(path));
-        return file;
+        return OpenLinuxInput(*place, path);
     }
 
     Result<std::unique_ptr<OutputFile>> OpenOutput(std::u16string_view path, OutputStart start) override {
         const Result<PathPlace> place = Place(path);
         if (!place.ok()) return place.status().At(std::u16string(path));
-        Result<std::unique_ptr<OutputFile>> file = OpenLinuxOutput(*place, start);
-        if (!file.ok()) return file.status().At(std::u16string(path));
-        return file;
+        return OpenLinuxOutput(*place, start, path);
     }
 
     Result<std::u16string> ResolveFullPath(std::u16string_view path) override {
