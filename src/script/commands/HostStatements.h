@@ -1,13 +1,15 @@
 // Statements that talk to the host's window, change the list of selected items and start programs.
 #pragma once
 
-#include <array>
-
-#include "script/StatementTable.h"
+#include "script/SortedTable.h"
+#include "script/commands/HostMessages.h"
+#include "script/commands/Jumps.h"
+#include "script/commands/Programs.h"
+#include "script/commands/SelectedItems.h"
 
 namespace kinsort {
 
-// In any order.
-inline constexpr std::array<StatementRow, 0> kHostStatements = {};
+inline constexpr auto kHostStatements =
+    JoinSlices(&StatementRow::keyword, kMessageStatements, kJumpStatements, kItemStatements, kProgramStatements);
 
 }  // namespace kinsort
