@@ -109,6 +109,7 @@ void PlanListWidget::InsertColumn(int index, const QString& title, int width) {
 
 void PlanListWidget::SetItemCount(size_t count) {
     hinted_.reset();
+    if (currentIndex().isValid() && FocusedItem() >= count) selectionModel()->clear();  // not to a neighbour
     model_->SetRows(static_cast<int>(std::min<size_t>(count, std::numeric_limits<int>::max())));
 }
 
