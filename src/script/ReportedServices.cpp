@@ -341,7 +341,8 @@ struct ReportedServices::Decorators {
                    .system = inner.system,
                    .locale = inner.locale,
                    .observer = inner.observer,
-                   .cancel = inner.cancel} {}
+                   .cancel = inner.cancel,
+                   .maxVariableUnits = inner.maxVariableUnits} {}
 
     static std::u16string CommandName(const Settings& settings) {
         return settings.CommandKey().substr(kCommandKeyPrefix.size());

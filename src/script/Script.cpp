@@ -211,7 +211,7 @@ LineOutcome RunLines(ScriptRun& run) {
         flow.current = flow.next++;
         const LineOutcome outcome = RunLine(run, run.source.LineAt(flow.current, run.tokens));
         if (outcome != LineOutcome::kNextLine && outcome != LineOutcome::kMoved) return outcome;
-        if (run.variables.units() > kMaxVariableUnits)
+        if (run.variables.units() > run.services.maxVariableUnits)
             return StopAtLimit(run, u"The variables take too much memory (more than 256 MB).\n");
     }
     return LineOutcome::kEndNormally;

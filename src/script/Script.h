@@ -61,8 +61,8 @@ ScriptResult RunScript(const ScriptServices& services, const ScriptCall& call);
 // kEndWithMinusOne when that returned -1; otherwise the outer run has read its options again and goes on.
 LineOutcome RunIncludedScript(ScriptRun& outer, std::u16string_view scriptPath);
 
-// What protects the user's machine from a script that went astray; a sound one meets none of them.
+// Scripts that include each other more deeply end with a message. So do those whose variables take too much memory
+// (ScriptServices::maxVariableUnits).
 constexpr int kMaxIncludeDepth = 100;
-constexpr size_t kMaxVariableUnits = size_t{128} << 20;  // of all names and values together; 256 MB
 
 }  // namespace kinsort

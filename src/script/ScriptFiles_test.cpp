@@ -156,7 +156,8 @@ class CaseRunner final : public ScriptObserver {
                              .system = *world_.system,
                              .locale = world_.locale,
                              .observer = this,
-                             .cancel = &world_.cancel};
+                             .cancel = &world_.cancel,
+                             .maxVariableUnits = memory_};
         ReportedServices reported(
             inner, world_.registry, [this](const std::u16string& event) { Note(event); }, Performance::kReportAndDo);
         call_.variables = &variables_;
@@ -278,6 +279,7 @@ class CaseRunner final : public ScriptObserver {
     ScriptCall call_{
         .scriptPath = std::u16string(kMainScript), .currentFolder = {}, .otherFolder = {}, .selectedItems = items_};
     std::u16string messageFile_;
+    size_t memory_ = kMaxVariableUnits;
     ScriptResult result_;
     std::u16string ending_ = u"finished";
     int32_t code_ = 0;
@@ -368,6 +370,8 @@ void CaseRunner::Prepare(const CaseDirective& given) {
          [](CaseRunner& self, const std::u16string& text) { self.call_.takesCommandLineOption = ReadInt32(text); }},
         {u"marks-file",
          [](CaseRunner& self, const std::u16string& text) { self.call_.marksSelectedFile = ReadInt32(text); }},
+        {u"memory",
+         [](CaseRunner& self, const std::u16string& text) { self.memory_ = static_cast<size_t>(ReadInt32(text)); }},
         {u"cancel", [](CaseRunner& self, const std::u16string&) { self.world_.cancel.Cancel(); }},
     };
     Call(kRows, *this, given);

@@ -33,6 +33,9 @@ class ScriptObserver {
     virtual void OnLine(ScriptRun& run, const ScriptLine& line) = 0;
 };
 
+// Of all names and values of variables together: 256 MB, which no sound script meets.
+constexpr size_t kMaxVariableUnits = size_t{128} << 20;
+
 // All of it outlives the run, nested runs included.
 struct ScriptServices {
     FileSystem& files;
@@ -53,6 +56,7 @@ struct ScriptServices {
     const LocaleMap& locale;
     ScriptObserver* observer = nullptr;   // optional
     const CancelToken* cancel = nullptr;  // optional; looked at before every line and while waiting
+    size_t maxVariableUnits = kMaxVariableUnits;
 };
 
 }  // namespace kinsort

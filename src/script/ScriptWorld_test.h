@@ -74,7 +74,8 @@ struct ScriptWorld {
                             .system = *system,
                             .locale = locale,
                             .observer = nullptr,
-                            .cancel = &cancel};
+                            .cancel = &cancel,
+                            .maxVariableUnits = kMaxVariableUnits};
 
     void AddScript(std::u16string_view path, std::u16string_view text) { files.SetContent(path, Utf16Bytes(text)); }
 };
