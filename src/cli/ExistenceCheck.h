@@ -3,6 +3,7 @@
 
 #include <optional>
 #include <string>
+#include <string_view>
 
 #include "cli/CliContext.h"
 #include "fileop/FolderNames.h"
@@ -18,7 +19,7 @@ class ExistenceCheck {
     Status Look(const std::u16string& path);
 
   private:
-    Status Open(std::u16string parent);
+    Status Open(std::u16string_view parent);
 
     CliServices& services_;
     FileHandle folder_;

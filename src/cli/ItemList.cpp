@@ -62,7 +62,9 @@ Result<std::u16string> ResolveTyped(CliContext& context, std::string_view typed)
     // A shell hands over the names of files as they are, also one like "file:x" or "C:\x"; only what cannot be meant
     // as such a name is read as an address.
     TypedPath path;
-    if (typed.empty() || StartsWithNoCase(FromUtf8(typed), u"file:/") || typed.starts_with("~/")) {
+    constexpr std::string_view kFileScheme = "file:/";
+    if (typed.empty() || StartsWithNoCase(FromUtf8(typed.substr(0, kFileScheme.size())), u"file:/") ||
+        typed.starts_with("~/")) {
         path = InnerPathFromTyped(typed, context.services.environment("HOME"), codec);
     } else {
         path.inner = codec.PathToInner(typed);

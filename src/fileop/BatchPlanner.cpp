@@ -128,7 +128,7 @@ bool BatchPlanner::PlanItem(const ItemRequest& request, const Looked& looked) {
     const FileInfo& info = *looked.info;
     const uint32_t folder = *looked.destination;
     batch_.items[item_].destination = folder;
-    if (!plannedSources_.insert(KeyOf(looked.source.folder, looked.source.name)).second) {
+    if (!plannedSources_.insert(looked.source).second) {
         Refuse(ItemOutcome::kSkipped, ItemReason::kDuplicate);
         return true;
     }
@@ -238,7 +238,7 @@ BatchPlanner::Choice BatchPlanner::ChooseTarget(const Place& source, const FileI
                there.status().At(InnerPathOf(services_.codec, batch_.folders, target.place)));
         return Choice::kSkip;
     }
-    const bool isPlanned = plannedTargets_.contains(KeyOf(folder, source.name));
+    const bool isPlanned = plannedTargets_.contains(PlaceView(folder, source.name));
     Choice choice = Choice::kGo;
     if (there.ok() && there->SameFile(info) && info.kind != FileKind::kFolder && isMove && folder != source.folder) {
         AddDrop(source, info, target.place);
@@ -246,8 +246,7 @@ BatchPlanner::Choice BatchPlanner::ChooseTarget(const Place& source, const FileI
     }
     if (there.ok() || isPlanned) choice = ResolveConflict(source, info, there.ok() ? &*there : nullptr, target);
     if (choice == Choice::kGo) {
-        plannedTargets_.emplace(KeyOf(target.place.folder, target.place.name),
-                                static_cast<uint32_t>(batch_.steps.size()));
+        plannedTargets_.insert(target.place);
     }
     return choice;
 }
@@ -264,7 +263,7 @@ BatchPlanner::Choice BatchPlanner::ResolveConflict(const Place& source, const Fi
     conflict.isMerge = there != nullptr && isFolder && there->kind == FileKind::kFolder && !isSame;
     conflict.canReplace =
         conflict.isMerge || (there != nullptr && !isFolder && !isSame && there->kind != FileKind::kFolder &&
-                             !plannedTargets_.contains(KeyOf(target.place.folder, target.place.name)));
+                             !plannedTargets_.contains(target.place));
     // There is nothing to ask: the item is where it is to go. Only who wants everything twice gets a second one.
     if (isSame && (target.kind != StepKind::kCopy || !resolver_.KeepsBothFiles())) {
         Refuse(ItemOutcome::kFailed, ItemReason::kSameFile);
@@ -296,7 +295,7 @@ BatchPlanner::Choice BatchPlanner::ResolveConflict(const Place& source, const Fi
 std::string BatchPlanner::FreeNameIn(uint32_t folder, const std::string& name, FileKind kind) {
     const auto opened = folders_.Open(folder);
     return FindFreeName(name, kind != FileKind::kFolder, [&](const std::string& candidate) {
-        if (plannedTargets_.contains(KeyOf(folder, candidate))) return true;
+        if (plannedTargets_.contains(PlaceView(folder, candidate))) return true;
         return opened.ok() && services_.sys.StatAt(**opened, candidate).ok();
     });
 }
@@ -387,7 +386,7 @@ Replan BatchPlanner::ReplanTaken(uint32_t index) {
             return Replan::kCancelled;
         case ConflictAnswer::kKeepBoth:
             step.target.name = FreeNameIn(step.target.folder, step.target.name, info->kind);
-            plannedTargets_.emplace(KeyOf(step.target.folder, step.target.name), index);
+            plannedTargets_.insert(step.target);
             return Replan::kAgain;
         case ConflictAnswer::kReplace: {
             const uint32_t kept = KeptFolderFor(step.target.folder);
@@ -415,10 +414,6 @@ Replan BatchPlanner::ReplanAsTransfer(uint32_t index) {
     batch_.steps[index].kind = StepKind::kMakeFolder;
     batch_.steps[index].mode = info->mode;
     return AddContents(step.source, *info, step.target, nullptr, true) ? Replan::kAgain : Replan::kCancelled;
-}
-
-std::string BatchPlanner::KeyOf(uint32_t folder, std::string_view name) const {
-    return std::to_string(folder).append("/").append(name);
 }
 
 ConflictSide BatchPlanner::SideOf(const Place& place, const FileInfo& info) const {

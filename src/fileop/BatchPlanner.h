@@ -21,6 +21,26 @@ namespace kinsort {
 // What became of a step that met something unforeseen.
 enum class Replan : uint8_t { kAgain, kSkipped, kFailed, kCancelled };
 
+// Places, looked up without a copy of the name.
+struct PlaceView {
+    uint32_t folder;
+    std::string_view name;
+
+    PlaceView(uint32_t inFolder, std::string_view itsName) : folder(inFolder), name(itsName) {}
+    PlaceView(const Place& place) : folder(place.folder), name(place.name) {}  // NOLINT: a view, made wherever needed
+};
+struct PlaceHash {
+    using is_transparent = void;
+    size_t operator()(const PlaceView& place) const {
+        return std::hash<std::string_view>()(place.name) ^ (size_t{place.folder} * 0x9E3779B97F4A7C15);
+    }
+};
+struct PlaceEqual {
+    using is_transparent = void;
+    bool operator()(const PlaceView& a, const PlaceView& b) const { return a.folder == b.folder && a.name == b.name; }
+};
+using PlaceSet = std::unordered_set<Place, PlaceHash, PlaceEqual>;
+
 class BatchPlanner {
   public:
     // Writes into `batch`; `journalFolder` is the stored path below which replaced files are kept when they are on
@@ -87,7 +107,6 @@ class BatchPlanner {
     uint32_t AddStep(StepKind kind, const Place& source, const FileIdentity& sourceId, const Place& target);
     // The target is the source under another name: the move only has to drop the source's name.
     void AddDrop(const Place& source, const FileInfo& info, const Place& sameFile);
-    std::string KeyOf(uint32_t folder, std::string_view name) const;
     ConflictSide SideOf(const Place& place, const FileInfo& info) const;
 
     const FileOperationServices& services_;
@@ -98,10 +117,10 @@ class BatchPlanner {
     size_t item_ = 0;                                  // the item that steps and refusals are for at the moment
     const ItemRequest* request_ = nullptr;             // what was asked for it; null when it is planned anew
     std::unordered_map<std::u16string, std::string> storedFolders_;  // inner path to stored path of a folder
-    std::unordered_set<std::string> plannedSources_;
-    std::unordered_map<std::string, uint32_t> plannedTargets_;  // key of the place to the step that fills it
-    std::unordered_map<uint32_t, uint32_t> keptFolders_;        // target folder to kept folder
-    std::u16string lastDestination_;                            // items of one folder tend to follow each other
+    PlaceSet plannedSources_;
+    PlaceSet plannedTargets_;
+    std::unordered_map<uint32_t, uint32_t> keptFolders_;  // target folder to kept folder
+    std::u16string lastDestination_;                      // items of one folder tend to follow each other
     Result<uint32_t> lastDestinationFolder_ = kNoIndex;
     uint32_t keptBesideJournal_ = kNoIndex;
 };

@@ -112,13 +112,15 @@ std::u16string ResolvePathText(std::u16string_view path, std::u16string_view cur
     const bool isOnOtherDrive =
         root.kind == PathRootKind::kDriveRelative && (root.drive | 0x20) != (current.drive | 0x20);
     std::u16string out = RootText(isAbsolute || isOnOtherDrive ? root : current);
-    std::u16string names;
+    std::u16string joined;
+    std::u16string_view names = root.remainder;
     if (!isAbsolute && !isOnOtherDrive && root.kind != PathRootKind::kRooted) {
-        names.append(current.remainder).append(u"\\");
+        joined.append(current.remainder).append(u"\\").append(root.remainder);
+        names = joined;
     }
-    names += root.remainder;
 
     const std::vector<std::u16string_view> resolved = ResolveNames(names);
+    out.reserve(out.size() + names.size() + 1);
     for (const std::u16string_view name : resolved)
         out.append(name).append(u"\\");
     const bool keepsSeparator = !root.remainder.empty() && IsSeparator(root.remainder.back());

@@ -34,6 +34,13 @@ constexpr bool IsByteEscape(char16_t unit) {
     return unit >= kByteBase + 0x80 && unit <= kByteBase + 0xFF;
 }
 
+// What stands for itself in both forms: nearly every character of nearly every name.
+template <typename Unit>
+constexpr bool IsPlain(Unit unit) {
+    const auto code = static_cast<char32_t>(unit);
+    return code < 0x80 && !NeedsAsciiEscape(code);
+}
+
 void AppendStoredUnit(std::string& out, char16_t unit) {
     const char16_t plain = IsAsciiEscape(unit) ? static_cast<char16_t>(unit - kAsciiBase) : unit;
     if (IsByteEscape(unit)) {
@@ -79,7 +86,17 @@ class LinuxPathCodec final : public PathCodec {
     std::u16string NameToInner(std::string_view storedName) const override {
         std::u16string out;
         out.reserve(storedName.size());
+        AppendInner(out, storedName);
+        return out;
+    }
+
+    static void AppendInner(std::u16string& out, std::string_view storedName) {
         while (!storedName.empty()) {
+            if (IsPlain(storedName.front())) {
+                out += static_cast<char16_t>(storedName.front());
+                storedName.remove_prefix(1);
+                continue;
+            }
             const DecodedUtf8 decoded = DecodeUtf8(storedName);
             const size_t used = decoded.length == 0 ? 1 : decoded.length;
             if (decoded.length == 0 || (decoded.point >= kAsciiBase && decoded.point <= kAsciiLast)) {
@@ -93,13 +110,16 @@ class LinuxPathCodec final : public PathCodec {
             }
             storedName.remove_prefix(used);
         }
-        return out;
     }
 
     std::string NameToStored(std::u16string_view innerName) const override {
         std::string out;
         out.reserve(innerName.size() + innerName.size() / 2);
         for (size_t i = 0; i < innerName.size(); ++i) {
+            if (IsPlain(innerName[i])) {
+                out += static_cast<char>(innerName[i]);
+                continue;
+            }
             const bool isPair =
                 IsHighSurrogate(innerName[i]) && i + 1 < innerName.size() && IsLowSurrogate(innerName[i + 1]);
             if (isPair) {
@@ -115,10 +135,11 @@ class LinuxPathCodec final : public PathCodec {
     std::u16string PathToInner(std::string_view storedPath) const override {
         const bool isAbsolute = storedPath.starts_with('/');
         std::u16string out = isAbsolute ? u"Z:\\" : u"";
+        out.reserve(storedPath.size() + 2);
         while (!storedPath.empty()) {
             const size_t end = storedPath.find('/');
             const std::string_view name = storedPath.substr(0, end);
-            out += NameToInner(name);
+            AppendInner(out, name);
             if (end == std::string_view::npos) break;
             if (!name.empty()) out += u'\\';
             storedPath.remove_prefix(end + 1);
