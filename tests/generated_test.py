@@ -42,6 +42,9 @@ class Generated(Workshop):
         self.assertEqual(sorted(self.complete("plan", "so")), ["so file", "source"])
         self.assertEqual(self.complete("help", "hi"), ["history"])
         self.assertEqual(self.complete("undo", "x"), [""])
+        self.assertEqual(self.complete("settings", "ex"), ["export"])
+        self.assertEqual(self.complete("settings", "import", "so"), ["source", "so file"])
+        self.assertEqual(self.complete("settings", "--ty"), ["--type"])
 
 
 if __name__ == "__main__":

@@ -5,7 +5,7 @@ _kinsort() {
     [[ $current == = ]] && current=
     [[ $before == = ]] && before=${COMP_WORDS[COMP_CWORD-2]}
     if ((COMP_CWORD == 1)); then
-        mapfile -t COMPREPLY < <(compgen -W 'plan sort undo redo history recover help completion --help --version' -- "$current")
+        mapfile -t COMPREPLY < <(compgen -W 'plan sort undo redo history recover settings help completion --help --version' -- "$current")
         return
     fi
     compopt -o filenames 2>/dev/null
@@ -25,6 +25,9 @@ _kinsort() {
         return ;;
     --durability)
         mapfile -t COMPREPLY < <(compgen -W 'journal content' -- "$current")
+        return ;;
+    --type)
+        mapfile -t COMPREPLY < <(compgen -W 'string dword binary' -- "$current")
         return ;;
     esac
     case $verb in
@@ -56,11 +59,19 @@ _kinsort() {
         if [[ $current == -* ]]; then
             mapfile -t COMPREPLY < <(compgen -W '--finish --undo --leave --json --quiet --help' -- "$current")
         fi ;;
+    settings)
+        if [[ $current == -* ]]; then
+            mapfile -t COMPREPLY < <(compgen -W '--type --json --quiet --help' -- "$current")
+        elif ((COMP_CWORD == 2)); then
+            mapfile -t COMPREPLY < <(compgen -W 'get set unset list export import' -- "$current")
+        elif [[ ${COMP_WORDS[2]} == @(set|import) ]]; then
+            mapfile -t COMPREPLY < <(compgen -f -- "$current")
+        fi ;;
     help)
         if [[ $current == -* ]]; then
             mapfile -t COMPREPLY < <(compgen -W '--help' -- "$current")
         else
-            mapfile -t COMPREPLY < <(compgen -W 'plan sort undo redo history recover help completion' -- "$current")
+            mapfile -t COMPREPLY < <(compgen -W 'plan sort undo redo history recover settings help completion' -- "$current")
         fi ;;
     completion)
         if [[ $current == -* ]]; then

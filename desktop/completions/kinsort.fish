@@ -45,9 +45,17 @@ complete -c kinsort -n '__fish_seen_subcommand_from recover' -l leave -d 'Leave 
 complete -c kinsort -n '__fish_seen_subcommand_from recover' -l json -d 'Print JSON for programs instead of text for people.'
 complete -c kinsort -n '__fish_seen_subcommand_from recover' -l quiet -s q -d 'Print results and failures only: no progress, no advice.'
 complete -c kinsort -n '__fish_seen_subcommand_from recover' -l help -s h -d 'Show the help of this command.'
+complete -c kinsort -n __fish_use_subcommand -a settings -d 'Show and change the settings of the dialog and of its host'
+complete -c kinsort -n '__fish_seen_subcommand_from settings' -f
+complete -c kinsort -n '__fish_seen_subcommand_from settings; and not __fish_seen_subcommand_from get set unset list export import' -a 'get set unset list export import'
+complete -c kinsort -n '__fish_seen_subcommand_from settings; and __fish_seen_subcommand_from set import' -F
+complete -c kinsort -n '__fish_seen_subcommand_from settings' -l type -x -a 'string dword binary' -d 'The type of a new value that is none of the named settings. The default is string; binary takes pairs of hexadecimal digits.'
+complete -c kinsort -n '__fish_seen_subcommand_from settings' -l json -d 'Print JSON for programs instead of text for people.'
+complete -c kinsort -n '__fish_seen_subcommand_from settings' -l quiet -s q -d 'Print results and failures only: no progress, no advice.'
+complete -c kinsort -n '__fish_seen_subcommand_from settings' -l help -s h -d 'Show the help of this command.'
 complete -c kinsort -n __fish_use_subcommand -a help -d 'Show the help of a command'
 complete -c kinsort -n '__fish_seen_subcommand_from help' -f
-complete -c kinsort -n '__fish_seen_subcommand_from help' -a 'plan sort undo redo history recover help completion'
+complete -c kinsort -n '__fish_seen_subcommand_from help' -a 'plan sort undo redo history recover settings help completion'
 complete -c kinsort -n '__fish_seen_subcommand_from help' -l help -s h -d 'Show the help of this command.'
 complete -c kinsort -n __fish_use_subcommand -a completion -d 'Print the completion script for bash, zsh or fish'
 complete -c kinsort -n '__fish_seen_subcommand_from completion' -f

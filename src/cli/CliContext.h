@@ -20,6 +20,8 @@
 
 namespace kinsort {
 
+struct HostServices;
+
 // All references outlive the run. What costs time is made only when a verb needs it.
 struct CliServices {
     FileSystem& files;
@@ -31,6 +33,7 @@ struct CliServices {
     std::function<std::unique_ptr<LocaleMap>()> makeLocaleMap;
     // The items that the host selected, inner form; nothing when no host started the program.
     std::function<std::optional<std::vector<std::u16string>>()> handedOverItems;
+    std::function<HostServices&()> host;
 };
 
 class CliContext {

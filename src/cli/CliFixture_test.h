@@ -6,8 +6,14 @@
 #include <string>
 
 #include "cli/CliContext.h"
+#include "cli/HostServices.h"
+#include "platform/fake/FakeEnvironment.h"
+#include "platform/fake/FakeSharedMemory.h"
+#include "platform/fake/FakeUserAccount.h"
 #include "platform/fake/ManualClock.h"
 #include "platform/fake/MemoryFileSystem.h"
+#include "platform/fake/MemoryRegistry.h"
+#include "platform/fake/ScriptedProcesses.h"
 #include "platform/linux/IcuLocaleMap.h"
 #include "platform/linux/LinuxPathCodec.h"
 #include "platform/linux/LinuxSys.h"
@@ -58,6 +64,14 @@ struct CliFixture {
     ManualClock clock;
     std::map<std::string, std::string> environment;
     std::optional<std::vector<std::u16string>> handedOver;
+    MemoryRegistry registry;
+    Settings settings{registry, u"Kinsort"};
+    FakeUserAccount account;
+    FakeEnvironment variables;
+    VelFolders folders{{settings, files, account, variables, *codec}, u"Z:\\usr\\lib\\vel\\command\\Default\\Kinsort"};
+    FakeSharedMemory sharedMemory;
+    ScriptedProcesses processes;
+    HostServices host{registry, settings, folders, sharedMemory, processes};
     CliServices services{files,
                          *codec,
                          *sys,
@@ -65,7 +79,8 @@ struct CliFixture {
                          terminal,
                          [this](const char* name) { return environment[name]; },
                          MakeIcuLocaleMap,
-                         [this] { return handedOver; }};
+                         [this] { return handedOver; },
+                         [this]() -> HostServices& { return host; }};
 };
 
 }  // namespace kinsort

@@ -36,15 +36,6 @@ bool IsChoice(std::string_view choices, std::string_view value) {
     return false;
 }
 
-std::string ListOfChoices(std::string_view choices) {
-    std::string text(choices);
-    for (size_t bar = text.find('|'); bar != std::string::npos; bar = text.find('|')) {
-        const bool isLast = text.find('|', bar + 1) == std::string::npos;
-        text.replace(bar, 1, isLast ? " or " : ", ");
-    }
-    return text;
-}
-
 // What is wrong with an option's value; empty when nothing is.
 std::string CheckValue(const OptionSpec& spec, const std::string& value) {
     switch (spec.kind) {
@@ -173,6 +164,15 @@ std::string CheckTogether(const CommandLine& line) {
 }
 
 }  // namespace
+
+std::string ListOfChoices(std::string_view choices) {
+    std::string text(choices);
+    for (size_t bar = text.find('|'); bar != std::string::npos; bar = text.find('|')) {
+        const bool isLast = text.find('|', bar + 1) == std::string::npos;
+        text.replace(bar, 1, isLast ? " or " : ", ");
+    }
+    return text;
+}
 
 int CommandLine::Number(OptionId id, int otherwise) const {
     return Has(id) ? ReadNumber<int>(Value(id)).value_or(otherwise) : otherwise;

@@ -36,4 +36,7 @@ struct ParsedLine {
 // give the verb "help" (with the operand "--version" for the version).
 ParsedLine ParseCommandLine(std::span<const std::string> arguments);
 
+// "ask|skip|replace" as "ask, skip or replace".
+std::string ListOfChoices(std::string_view choices);
+
 }  // namespace kinsort

@@ -41,6 +41,17 @@ constexpr Field kHistoryFields[] = {
     {"first_item", "The name of the first item."},
 };
 
+constexpr Field kSettingsFields[] = {
+    {"name", "The setting's name, or the full path of another value."},
+    {"key, value_name", "Where the value lies."},
+    {"is_set", "Whether it is stored (boolean)."},
+    {"type", "string, dword, binary, or the number of another type. Absent when it is not set."},
+    {"value", "A text for string, a number for dword."},
+    {"hex", "The bytes as hexadecimal digits, for every other type and for data that is no proper text or number."},
+    {"path", "Of UserDir: the native path."},
+    {"default", "What counts when a named setting is not set."},
+};
+
 // A backslash, and a dot or quote at the start of a line, mean something to the formatter.
 std::string Escaped(std::string_view text) {
     std::string escaped;
@@ -127,6 +138,7 @@ std::string JsonSection() {
         "sort prints what plan prints.\n" +
         Fields(kOutcomeFields) + ".PP\nReasons: " + Escaped(ReasonKeywords()) + ".\n";
     page += ".SS history \\-\\-json\nAn array, newest batch first.\n" + Fields(kHistoryFields);
+    page += ".SS settings get, settings list \\-\\-json\nOne object, or an array of them.\n" + Fields(kSettingsFields);
     return page;
 }
 
@@ -148,8 +160,11 @@ std::string ManualPage(std::string_view version) {
         page += Tagged(code.name, code.text);
     page += JsonSection() + Section("ENVIRONMENT");
     page += Tagged("NO_COLOR", "When set and not empty, nothing is coloured.");
+    page += Tagged("XDG_CONFIG_HOME", "Where the settings are kept; ~/.config when not set.");
     page += Tagged("XDG_STATE_HOME", "Where the undo journal is kept; ~/.local/state when not set.");
     page += Section("FILES") + Tagged("$XDG_STATE_HOME/vel/undo", "The undo journal: one file for each batch.");
+    page += Tagged("$XDG_CONFIG_HOME/vel/registry.db",
+                   "The settings, an SQLite file. A damaged one is kept as registry.db.damaged-1 and a new one begun.");
     page +=
         Section("EXAMPLES") +
         "Look first, then move everything in Downloads, then think better of it:\n.PP\n.nf\n"

@@ -23,6 +23,7 @@ enum class OptionId : uint8_t {
     kFinish,
     kUndo,
     kLeave,
+    kType,
     kJson,
     kQuiet,
     kHelp,
@@ -63,6 +64,9 @@ inline constexpr std::array<OptionSpec, static_cast<size_t>(OptionId::kCount)> k
     {OptionId::kFinish, "finish", 0, ValueKind::kNone, "", 0, "Do what was planned and not yet done."},
     {OptionId::kUndo, "undo", 0, ValueKind::kNone, "", 0, "Take back what was done."},
     {OptionId::kLeave, "leave", 0, ValueKind::kNone, "", 0, "Leave everything as it is."},
+    {OptionId::kType, "type", 0, ValueKind::kChoice, "string|dword|binary", 0,
+     "The type of a new value that is none of the named settings. The default is string; binary takes pairs of "
+     "hexadecimal digits."},
     {OptionId::kJson, "json", 0, ValueKind::kNone, "", 0, "Print JSON for programs instead of text for people."},
     {OptionId::kQuiet, "quiet", 'q', ValueKind::kNone, "", 0,
      "Print results and failures only: no progress, no advice."},

@@ -14,7 +14,19 @@ constexpr OptionId kSortOptions[] = {kTo,       kCopy,    kMove,       kOnConfli
 constexpr OptionId kUndoOptions[] = {kJson, kQuiet, kHelp};
 constexpr OptionId kHistoryOptions[] = {kJson, kHelp};
 constexpr OptionId kRecoverOptions[] = {kFinish, kUndo, kLeave, kJson, kQuiet, kHelp};
+constexpr OptionId kSettingsOptions[] = {kType, kJson, kQuiet, kHelp};
 constexpr OptionId kHelpOptions[] = {kHelp};
+
+constexpr ActionSpec kSettingsActions[] = {
+    {"get", "NAME", 1, 1, false, "Print a setting; its default when it is not set."},
+    {"set", "NAME VALUE", 2, 2, true, "Set it."},
+    {"unset", "NAME", 1, 1, false, "Go back to the default."},
+    {"list", "[KEY]", 0, 1, false, "List the named settings and all other values, or what is stored below KEY."},
+    {"export", "[KEY]", 0, 1, false, "Print everything, or what is stored below KEY, as JSON for import."},
+    {"import", "FILE", 1, 1, true,
+     "Take over all values from what export has printed, or none when something is wrong with it; - reads standard "
+     "input."},
+};
 
 constexpr std::array kVerbs = {
     VerbSpec{"plan", OperandKind::kItems, "Show which folder each item would go to",
@@ -47,6 +59,15 @@ constexpr std::array kVerbs = {
              "what to do with it; without a terminal to ask on it is finished. With an ID only that batch is looked "
              "at.",
              kRecoverOptions, RunRecover, false},
+    VerbSpec{
+        "settings", OperandKind::kAction, "Show and change the settings of the dialog and of its host",
+        "NAME is one of NLS (language of the dialog: .ja-JP or .en-US), UserDirMode (user folder: 0 is Vel in your "
+        "local data folder, 1 is below the program's folder, 2 is UserDir), UserDir (that folder), LangOut (1 lets "
+        "dialogs write their texts out for translating) and Confirmation (1 lets the dialog ask about conflicts). "
+        "Case does not count.\n\n"
+        "Any other value is named by its full path, for example Software/TEV_Soft/Vel/Main001/Settings/NLS; the "
+        "names of a path are separated by backslashes, or by slashes when there is no backslash.",
+        kSettingsOptions, RunSettings, false, kSettingsActions},
     VerbSpec{"help", OperandKind::kVerb, "Show the help of a command", "Without a command, shows the list of commands.",
              kHelpOptions, RunHelp, false},
     VerbSpec{"completion", OperandKind::kShell, "Print the completion script for bash, zsh or fish",
@@ -94,7 +115,7 @@ std::string OperandText(const VerbSpec& verb) {
         case OperandKind::kShell:
             return "SHELL";
         case OperandKind::kAction:
-            return ActionNames(verb, "|") + " [ARGUMENT...]";
+            return "ACTION [ARGUMENT...]";
     }
     return "";
 }

@@ -57,6 +57,7 @@ ExitCode RunUndo(CliContext& context, const CommandLine& line);
 ExitCode RunRedo(CliContext& context, const CommandLine& line);
 ExitCode RunHistory(CliContext& context, const CommandLine& line);
 ExitCode RunRecover(CliContext& context, const CommandLine& line);
+ExitCode RunSettings(CliContext& context, const CommandLine& line);
 ExitCode RunHelp(CliContext& context, const CommandLine& line);
 ExitCode RunCompletion(CliContext& context, const CommandLine& line);
 ExitCode RunManual(CliContext& context, const CommandLine& line);

@@ -1,9 +1,11 @@
 // The command line program: wires the Linux backend to it.
 #include <clocale>
 #include <cstdlib>
+#include <memory>
 
 #include "cli/CliContext.h"
 #include "hostlink/HostHandOff.h"
+#include "main/HostBackend.h"
 #include "platform/linux/IcuLocaleMap.h"
 #include "platform/linux/LinuxClock.h"
 #include "platform/linux/LinuxEnvironment.h"
@@ -41,6 +43,7 @@ int main(int argc, char** argv) {
     const auto files = kinsort::MakeLinuxFileSystem(*codec);
     const auto sys = kinsort::MakeLinuxSys();
     const auto clock = kinsort::MakeLinuxClock();
+    std::unique_ptr<kinsort::HostBackend> host;
     kinsort::CliServices services{
         .files = *files,
         .codec = *codec,
@@ -54,6 +57,10 @@ int main(int argc, char** argv) {
             },
         .makeLocaleMap = kinsort::MakeIcuLocaleMap,
         .handedOverItems = [&terminal] { return ReadHandedOverItems(*terminal); },
+        .host = [&]() -> kinsort::HostServices& {
+            if (!host) host = std::make_unique<kinsort::HostBackend>(*codec, *files, *terminal);
+            return host->Services();
+        },
     };
     return kinsort::RunKinsort(services, std::vector<std::string>(argv + (argc > 0 ? 1 : 0), argv + argc));
 }
