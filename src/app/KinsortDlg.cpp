@@ -350,7 +350,8 @@ bool CKinsortDlg::OnHelpInfo() {
 void CKinsortDlg::OnOK() {
     if (!ReadControls() || m_list.Plan().GetCount() == 0) return;
     if (!HasAllCandidates()) return;
-    SetFolder(m_services.folderText.ToInner(Trim(m_strFolder)));
+    // Blanks go before the text is read as a path: with one in front, a native path would be a relative one.
+    SetFolder(m_services.folderText.ToInner(Trim(m_view.ControlText(kIdFolder))));
     if (!TakeTargetDir()) {
         ShowMessage(m_services.messages.GetMessageText(kMsgBadFolder));
         return;

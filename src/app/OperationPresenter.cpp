@@ -137,6 +137,10 @@ void OperationPresenter::CarryOut(std::vector<ItemRequest> items, uint32_t flags
     BatchResult result = Run(kind, [&](AskUserAction& asker, ProgressSink& progress, const CancelToken& cancel) {
         return operation.PerformOperations(&asker, &progress, &cancel);
     });
+    // What stops a whole batch without the name of a file is its journal.
+    if (result.status.path().empty()) {
+        result.status = result.status.At(engine_->codec.PathToInner(engine_->journalFolder));
+    }
     const bool canUndo = result.done > 0 && result.id != 0 && (flags & kFofAllowUndo) != 0;
     if (NeedsSummary(result)) {
         const OperationSummary summary = texts_.Summarize(kind, result, canUndo);

@@ -121,7 +121,7 @@ ConflictQuestion OperationTexts::Ask(const Conflict& conflict) {
     question.title = Text(kMsgConflictTitle);
     const std::u16string folder = RemoveTrailingSeparatorKeepRoot(GetDirectoryPart(conflict.target.path));
     question.instruction =
-        messages_.GetMessageText(conflict.item.kind == FileKind::kFolder ? kMsgConflictFolder : kMsgConflictFile,
+        messages_.GetMessageText(conflict.target.kind == FileKind::kFolder ? kMsgConflictFolder : kMsgConflictFile,
                                  {Shown(GetFileNamePart(conflict.item.path)), Shown(folder)});
     question.item = Side(kMsgConflictNew, conflict.item);
     question.target = Side(kMsgConflictOld, conflict.target);
