@@ -115,6 +115,8 @@ void PlanListWidget::SetItemCount(size_t count) {
 
 void PlanListWidget::Redraw() {
     hinted_.reset();
+    executeDelayedItemsLayout();
+    updateGeometries();
     viewport()->repaint();
 }
 
