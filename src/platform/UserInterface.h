@@ -99,6 +99,8 @@ class UserInterface {
     virtual std::optional<ScreenRectangle> WindowRectangle(WindowHandle) { return std::nullopt; }
     // The screen nearest to that window, or the main one for kNoWindow, less what panels keep for themselves.
     virtual std::optional<ScreenRectangle> WorkArea(WindowHandle) { return std::nullopt; }
+    // All screens whole, the main one first; none on a console.
+    virtual std::vector<ScreenRectangle> Screens() { return {}; }
 };
 
 }  // namespace kinsort

@@ -284,6 +284,7 @@ class ReportedUserInterface final : public UserInterface {
         return inner_.WindowRectangle(window);
     }
     std::optional<ScreenRectangle> WorkArea(WindowHandle window) override { return inner_.WorkArea(window); }
+    std::vector<ScreenRectangle> Screens() override { return inner_.Screens(); }
 
   private:
     UserInterface& inner_;

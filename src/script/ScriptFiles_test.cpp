@@ -120,6 +120,7 @@ class NotingUserInterface final : public UserInterface {
         return inner_.WindowRectangle(window);
     }
     std::optional<ScreenRectangle> WorkArea(WindowHandle window) override { return inner_.WorkArea(window); }
+    std::vector<ScreenRectangle> Screens() override { return inner_.Screens(); }
 
   private:
     UserInterface& inner_;
@@ -354,6 +355,16 @@ void CaseRunner::Prepare(const CaseDirective& given) {
          [](CaseRunner& self, const std::u16string& text) {
              const auto [number, message] = PathAndText(text);
              self.messageFile_ += number + u"\t" + message + u"\r\n";
+         }},
+        {u"screens",  // "0 0 1920 1080 | 1920 0 3200 1024", the work area of the first is 40 less high
+         [](CaseRunner& self, const std::u16string& text) {
+             for (const std::u16string& screen : List(text)) {
+                 const auto edges = SplitSkippingEmpty(screen, u' ');
+                 self.world_.ui.screens.push_back(
+                     {ReadInt32(edges.at(0)), ReadInt32(edges.at(1)), ReadInt32(edges.at(2)), ReadInt32(edges.at(3))});
+             }
+             self.world_.ui.workArea = self.world_.ui.screens.at(0);
+             self.world_.ui.workArea->bottom -= 40;
          }},
         {u"keys",
          [](CaseRunner& self, const std::u16string& text) {

@@ -24,6 +24,7 @@ class ScriptedUserInterface final : public UserInterface {
     WindowHandle mainWindow = kNoWindow;
     std::map<WindowHandle, ScreenRectangle> windowRectangles;
     std::optional<ScreenRectangle> workArea;  // of every window
+    std::vector<ScreenRectangle> screens;
 
     // What was asked, in order.
     std::vector<MessageRequest> messages;
@@ -57,6 +58,7 @@ class ScriptedUserInterface final : public UserInterface {
         return found == windowRectangles.end() ? std::nullopt : std::optional(found->second);
     }
     std::optional<ScreenRectangle> WorkArea(WindowHandle) override { return workArea; }
+    std::vector<ScreenRectangle> Screens() override { return screens; }
 
   private:
     template <typename T>

@@ -26,6 +26,9 @@ FunctionResult CallFileRead(ScriptRun& run, const FunctionCall& call);
 FunctionResult CallFileAllRead(ScriptRun& run, const FunctionCall& call);
 FunctionResult CallDetectCodePage(ScriptRun& run, const FunctionCall& call);
 
+// commands/SystemMetrics.cpp
+FunctionResult CallGetSystemMetrics(ScriptRun& run, const FunctionCall& call);
+
 // In any order.
 inline constexpr std::array kLocalFunctions = {
     FunctionRow{u"GetClipboardText", 1, TooFewPieces::kOrdinaryValue, CallGetClipboardText, "",
@@ -51,6 +54,9 @@ inline constexpr std::array kLocalFunctions = {
                 "The next line of a text file, ERROR at its end; the code page is that of setcodepage."},
     FunctionRow{u"fileallread", 2, TooFewPieces::kOrdinaryValue, CallFileAllRead, "path",
                 "The whole text of a file in the code page of setcodepage."},
+    FunctionRow{
+        u"GetSystemMetrics", 2, TooFewPieces::kOrdinaryValue, CallGetSystemMetrics, "index",
+        "A measure of the screen: 0 and 1 its width and height, 80 how many there are; 0 for one unknown here."},
 };
 
 }  // namespace kinsort

@@ -225,4 +225,13 @@ std::optional<ScreenRectangle> QtUserInterface::WorkArea(WindowHandle window) {
     return ToRectangle(screen->availableGeometry());
 }
 
+std::vector<ScreenRectangle> QtUserInterface::Screens() {
+    std::vector<ScreenRectangle> screens;
+    const QScreen* const primary = QGuiApplication::primaryScreen();
+    if (primary != nullptr) screens.push_back(ToRectangle(primary->geometry()));
+    for (const QScreen* screen : QGuiApplication::screens())
+        if (screen != primary) screens.push_back(ToRectangle(screen->geometry()));
+    return screens;
+}
+
 }  // namespace kinsort

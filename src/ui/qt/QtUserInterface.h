@@ -31,6 +31,7 @@ class QtUserInterface final : public UserInterface {
     void BringToForeground(WindowHandle window) override;
     std::optional<ScreenRectangle> WindowRectangle(WindowHandle window) override;
     std::optional<ScreenRectangle> WorkArea(WindowHandle window) override;
+    std::vector<ScreenRectangle> Screens() override;
 
   private:
     QWidget* OwnerFor(WindowHandle owner) const;
