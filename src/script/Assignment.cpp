@@ -59,13 +59,13 @@ FunctionResult CallFunction(std::u16string_view right, std::u16string_view state
     } else if (!EqualNoCase(right, kClipboardFunction)) {
         return FunctionResult::Unknown();
     }
-    const std::u16string name = Trim(right.substr(0, comma));
-    call.name = name;
+    call.name = TrimView(right.substr(0, comma));
     return functions.Call(call);
 }
 
 // The last step for everything but exact texts: hexadecimal numbers, then sums.
 AssignmentResult EvaluatePlain(std::u16string& value) {
+    if (IsPlainInteger(value)) return AssignmentResult::kAssigned;
     if (value == kEmptyPlainResult) value.clear();
     value = ReplaceHexLiterals(value);
     if (value.empty() || !IsArithmeticText(value)) return AssignmentResult::kAssigned;
@@ -85,9 +85,9 @@ AssignmentResult EvaluatePlain(std::u16string& value) {
 // What is to be stored, in `value`.
 AssignmentResult FindValue(std::u16string_view untrimmed, const std::u16string& old, std::u16string_view statement,
                            FunctionCaller& functions, std::u16string& value) {
-    const std::u16string right = Trim(untrimmed);
+    const std::u16string_view right = TrimView(untrimmed);
     if (std::optional<std::u16string> compound = ComputeCompound(old, right, untrimmed)) {
-        value = compound->empty() ? right : std::move(*compound);
+        value = compound->empty() ? std::u16string(right) : std::move(*compound);
         return EvaluatePlain(value);
     }
     FunctionResult result = CallFunction(right, statement, functions);
@@ -110,14 +110,17 @@ AssignmentResult FindValue(std::u16string_view untrimmed, const std::u16string& 
     return EvaluatePlain(value);
 }
 
-// The variable that the left side names, "" when it names none; nothing when its index is too long.
-std::optional<std::u16string> FindTarget(std::u16string_view left, const ExpansionScope& scope) {
-    const std::u16string trimmed = Trim(left);
-    const IndexedName name = SplitIndexedName(trimmed);
-    if (!name.isIndexed()) return trimmed;
+// The variable that the left side names; nothing when it names none. `isTooLong` when its index is.
+std::optional<size_t> FindTarget(std::u16string_view left, const VariableTable& variables, const ExpansionScope& scope,
+                                 bool& isTooLong) {
+    left = TrimView(left);
+    if (left.find(u'[') == left.npos) return variables.IndexOf(left);
+    const IndexedName name = SplitIndexedName(left);
+    if (!name.isIndexed()) return variables.IndexOf(left);
     const std::optional<std::u16string> index = ExpandLine(name.index, scope, Trimming::kTrim);
-    if (!index) return std::nullopt;
-    return FormatIndexedName(name.base, *index);
+    isTooLong = !index;
+    if (isTooLong) return std::nullopt;
+    return variables.IndexOf(FormatIndexedName(name.base, *index));
 }
 
 }  // namespace
@@ -126,17 +129,16 @@ AssignmentResult AssignVariable(std::u16string_view line, std::u16string_view st
                                 const ExpansionScope& scope, FunctionCaller& functions) {
     const size_t equals = line.find(u'=');
     if (equals == line.npos || variables.empty()) return AssignmentResult::kNotAssignment;
-    const std::optional<std::u16string> target = FindTarget(line.substr(0, equals), scope);
-    if (!target) return AssignmentResult::kTooLong;
-    const std::u16string* const old = variables.Find(*target);
-    if (old == nullptr) return AssignmentResult::kNotAssignment;
+    bool isTooLong = false;
+    const std::optional<size_t> target = FindTarget(line.substr(0, equals), variables, scope, isTooLong);
+    if (isTooLong) return AssignmentResult::kTooLong;
+    if (!target) return AssignmentResult::kNotAssignment;
     const std::optional<std::u16string> right = ExpandLine(line.substr(equals + 1), scope, Trimming::kKeep);
     if (!right) return AssignmentResult::kTooLong;
 
     std::u16string value;
-    const AssignmentResult result = FindValue(*right, *old, statement, functions, value);
-    // A function may have declared variables (an included script), so the entry is looked up again.
-    if (result == AssignmentResult::kAssigned) variables.Assign(*target, std::move(value));
+    const AssignmentResult result = FindValue(*right, variables.entries()[*target].value, statement, functions, value);
+    if (result == AssignmentResult::kAssigned) variables.AssignAt(*target, std::move(value));
     return result;
 }
 

@@ -53,25 +53,36 @@ constexpr Operator kOperators[] = {
     {u">", [](const std::u16string& left, const std::u16string& right) { return Order(left, right) > 0; }},
 };
 
-}  // namespace
+struct Found {
+    const Operator* op = nullptr;
+    size_t position = 0;
+};
 
-ConditionOperator FindConditionOperator(std::u16string_view condition) {
+Found FindOperator(std::u16string_view condition) {
+    const auto sign = std::find_if(condition.begin(), condition.end(), [](char16_t unit) {
+        return unit == u'=' || unit == u'!' || unit == u'^' || unit == u'<' || unit == u'>';
+    });
+    const auto first = static_cast<size_t>(sign - condition.begin());
     for (const Operator& op : kOperators) {
-        const size_t position = condition.find(op.sign);
-        if (position != condition.npos) return {position, op.sign.size()};
+        const size_t position = condition.find(op.sign, first);
+        if (position != condition.npos) return {&op, position};
     }
     return {};
 }
 
+}  // namespace
+
+ConditionOperator FindConditionOperator(std::u16string_view condition) {
+    const Found found = FindOperator(condition);
+    return found.op == nullptr ? ConditionOperator{} : ConditionOperator{found.position, found.op->sign.size()};
+}
+
 ConditionResult EvaluateCondition(std::u16string_view condition, const ExpansionScope& scope) {
-    const ConditionOperator found = FindConditionOperator(condition);
-    if (found.size == 0) return ConditionResult::kNoOperator;
-    const auto left = ExpandLine(condition.substr(0, found.position), scope, Trimming::kTrim);
-    const auto right = ExpandLine(condition.substr(found.position + found.size), scope, Trimming::kTrim);
+    const auto [op, position] = FindOperator(condition);
+    if (op == nullptr) return ConditionResult::kNoOperator;
+    const auto left = ExpandLine(condition.substr(0, position), scope, Trimming::kTrim);
+    const auto right = ExpandLine(condition.substr(position + op->sign.size()), scope, Trimming::kTrim);
     if (!left || !right) return ConditionResult::kTooLong;
-    const std::u16string_view sign = condition.substr(found.position, found.size);
-    const auto op = std::find_if(std::begin(kOperators), std::end(kOperators),
-                                 [&](const Operator& candidate) { return candidate.sign == sign; });
     return op->holds(NormalizeNumber(*left), NormalizeNumber(*right)) ? ConditionResult::kTrue
                                                                       : ConditionResult::kFalse;
 }

@@ -117,7 +117,7 @@ std::optional<std::u16string> ExpandLine(std::u16string_view text, const Expansi
     if (!ExpandVariables(scope.variables, out)) return std::nullopt;
     FillInPathTokens(out, scope);
     const auto index = static_cast<size_t>(scope.forIndex);
-    if (scope.forIndex >= 0 && index < scope.selectedItems.size())
+    if (scope.forIndex >= 0 && index < scope.selectedItems.size() && out.find(u'?') != out.npos)
         out = FillInItem(out, scope.selectedItems[index], scope.system);
     const bool hasBlankEnd = !out.empty() && (IsWhiteSpace(out.front()) || IsWhiteSpace(out.back()));
     if (trimming == Trimming::kTrim && hasBlankEnd) out = Trim(out);

@@ -12,15 +12,6 @@ constexpr size_t kFirstPlaces = 64;
 
 NameTrie::NameTrie() : numbers_{kNone}, edges_(kFirstPlaces) {}
 
-// The place of the key, or the free one where it would go.
-size_t NameTrie::PlaceOf(uint64_t key) const {
-    const size_t mask = edges_.size() - 1;
-    size_t place = (key * 0x9E3779B97F4A7C15u >> 32) & mask;
-    while (edges_[place].key != key && edges_[place].key != 0)
-        place = (place + 1) & mask;
-    return place;
-}
-
 void NameTrie::Grow() {
     const std::vector<Edge> old = std::exchange(edges_, std::vector<Edge>(edges_.size() * 2));
     for (const Edge& edge : old)

@@ -45,7 +45,14 @@ class NameTrie {
         uint32_t child = kNone;
     };
     static uint64_t Key(uint32_t node, char16_t unit) { return (uint64_t{node} + 1) << 16 | unit; }
-    size_t PlaceOf(uint64_t key) const;
+    // The place of the key, or the free one where it would go.
+    size_t PlaceOf(uint64_t key) const {
+        const size_t mask = edges_.size() - 1;
+        size_t place = (key * 0x9E3779B97F4A7C15u >> 32) & mask;
+        while (edges_[place].key != key && edges_[place].key != 0)
+            place = (place + 1) & mask;
+        return place;
+    }
     uint32_t Child(uint32_t node, char16_t unit) const { return edges_[PlaceOf(Key(node, unit))].child; }
     void Grow();
 

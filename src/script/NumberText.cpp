@@ -11,6 +11,9 @@ namespace {
 
 constexpr std::u16string_view kHexPrefix = u"0x";
 
+// Every whole number of as many digits is a double.
+constexpr size_t kMaxExactDigits = 15;
+
 std::u16string WithoutBlanks(std::u16string_view text) {
     std::u16string out(text);
     std::erase(out, u' ');
@@ -29,10 +32,16 @@ bool IsHexText(std::u16string_view text) {
 
 }  // namespace
 
+bool IsPlainInteger(std::u16string_view text) {
+    if (text.starts_with(u'-')) text.remove_prefix(1);
+    const bool hasIdleZero = text.size() > 1 && text.front() == u'0';
+    return !text.empty() && text.size() <= kMaxExactDigits && !hasIdleZero && AllDigits(text);
+}
+
 std::u16string NormalizeNumber(std::u16string_view text) {
     // Most texts are none, and are told by their first character.
     const size_t first = text.find_first_not_of(u' ');
-    if (first == text.npos || !IsDigit(text[first])) return std::u16string(text);
+    if (first == text.npos || !IsDigit(text[first]) || IsPlainInteger(text)) return std::u16string(text);
     const std::u16string digits = WithoutBlanks(text);
     if (IsHexText(digits)) return FormatInteger(ReadInt32AnyBase(digits));
     if (AllDigits(digits)) return FormatInteger(ReadInt64(digits));
@@ -40,6 +49,7 @@ std::u16string NormalizeNumber(std::u16string_view text) {
 }
 
 bool IsIntegerText(std::u16string_view text) {
+    if (AllDigits(text)) return true;
     const std::u16string digits = WithoutBlanks(text);
     return IsHexText(digits) || AllDigits(digits);
 }

@@ -1,5 +1,5 @@
 // Whether a text is a number or a sum of numbers, and numbers brought into one form. Values of the language are text;
-// these four decide where one is taken as a number.
+// these decide where one is taken as a number.
 #pragma once
 
 #include <string>
@@ -22,5 +22,8 @@ std::u16string ReplaceHexLiterals(std::u16string_view text);
 // True when nothing but digits, ".", "(", ")", blanks and + - * / % occurs: "2024-01-05" is a sum. So is the empty
 // text.
 bool IsArithmeticText(std::u16string_view text);
+
+// True for what all of these and a sum leave as it is: "0", "-12"; 15 digits at most.
+bool IsPlainInteger(std::u16string_view text);
 
 }  // namespace kinsort

@@ -70,6 +70,12 @@ void DeclareArray(VariableTable& table, std::u16string_view base, int32_t size, 
 
 }  // namespace
 
+std::optional<size_t> VariableTable::IndexOf(std::u16string_view name) const {
+    const uint32_t number = names_.Find(name);
+    if (number == NameTrie::kNone) return std::nullopt;
+    return number;
+}
+
 const std::u16string* VariableTable::Find(std::u16string_view name) const {
     const uint32_t number = names_.Find(name);
     return number == NameTrie::kNone ? nullptr : &entries_[number].value;
@@ -83,14 +89,17 @@ bool VariableTable::Create(std::u16string_view name, std::u16string_view value) 
     return true;
 }
 
-bool VariableTable::Assign(std::u16string_view name, std::u16string value) {
-    const uint32_t number = names_.Find(name);
-    if (number == NameTrie::kNone) return false;
-    Entry& entry = entries_[number];
+void VariableTable::AssignAt(size_t index, std::u16string value) {
+    Entry& entry = entries_[index];
     units_ = units_ - entry.value.size() + value.size();
     entry.value = std::move(value);
     entry.isReplaced = entry.value != entry.name;
-    return true;
+}
+
+bool VariableTable::Assign(std::u16string_view name, std::u16string value) {
+    const std::optional<size_t> index = IndexOf(name);
+    if (index) AssignAt(*index, std::move(value));
+    return index.has_value();
 }
 
 bool VariableTable::HoldsNameWithin(std::u16string_view text) const {
@@ -155,17 +164,14 @@ Declaration DeclareVariable(VariableTable& table, std::u16string_view text) {
 
 bool ExpandVariables(const VariableTable& table, std::u16string& text) {
     Occurring found = FindOccurring(table, text, 0);
-    if (found.first == NameTrie::kNone) return true;
-    std::u16string out = text;
     for (int pass = 0; pass < kMaxPasses && found.first != NameTrie::kNone; ++pass) {
         // Nothing is left of this pass when only earlier entries occur; they are the next pass's.
         for (found.next = found.first; found.next != NameTrie::kNone;) {
             const VariableTable::Entry& entry = table.entries()[found.next];
-            if (!ReplaceWithin(out, entry.name, entry.value, kMaxExpandedLength)) return false;
-            found = FindOccurring(table, out, found.next + 1);
+            if (!ReplaceWithin(text, entry.name, entry.value, kMaxExpandedLength)) return false;
+            found = FindOccurring(table, text, found.next + 1);
         }
     }
-    text = std::move(out);
     return true;
 }
 

@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -39,6 +40,10 @@ class VariableTable {
 
     // False, and nothing changed, when the name is not declared.
     bool Assign(std::u16string_view name, std::u16string value);
+
+    // The same in two steps. Entries never move or go away, so an index stays good.
+    std::optional<size_t> IndexOf(std::u16string_view name) const;
+    void AssignAt(size_t index, std::u16string value);
 
     // The first entry whose name contains `name` or is contained in it; null when there is none.
     const Entry* FindOverlap(std::u16string_view name) const;
@@ -90,7 +95,8 @@ constexpr size_t kMaxExpandedLength = size_t{64} << 20;
 // name, and passes repeat while one replaced something, ten at most. So with x holding "i" and i holding "5", "x" gives
 // "5", and "a[i]" gives the value of a[5].
 //
-// False, and `text` unchanged, when the result would be longer than kMaxExpandedLength; say kExpandedTooLongMessage.
+// False, and `text` good for nothing, when the result would be longer than kMaxExpandedLength; say
+// kExpandedTooLongMessage.
 [[nodiscard]] bool ExpandVariables(const VariableTable& table, std::u16string& text);
 
 // Followed by the line, as every message of the language is.

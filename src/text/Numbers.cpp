@@ -1,5 +1,6 @@
 #include "text/Numbers.h"
 
+#include <iterator>
 #include <limits>
 
 #include "text/Trim.h"
@@ -25,6 +26,19 @@ unsigned TakeBase(std::u16string_view& digits) {
     return digits.starts_with(u'0') ? 8 : 10;
 }
 
+// The base is a constant, so that no division is one.
+template <unsigned kBase>
+uint64_t ReadDigits(std::u16string_view text, uint64_t most) {
+    uint64_t value = 0;
+    for (const char16_t unit : text) {
+        const unsigned digit = DigitValue(unit);
+        if (digit >= kBase) break;
+        if (value > most / kBase || (value == most / kBase && digit > most % kBase)) return most;
+        value = value * kBase + digit;
+    }
+    return value;
+}
+
 template <typename Int>
 Int Read(std::u16string_view text, bool anyBase) {
     while (!text.empty() && IsWhiteSpace(text.front()))
@@ -34,13 +48,9 @@ Int Read(std::u16string_view text, bool anyBase) {
     const unsigned base = anyBase ? TakeBase(text) : 10;
 
     const uint64_t most = static_cast<uint64_t>(std::numeric_limits<Int>::max()) + (isNegative ? 1 : 0);
-    uint64_t value = 0;
-    for (const char16_t unit : text) {
-        const unsigned digit = DigitValue(unit);
-        if (digit >= base) break;
-        value = value > (most - digit) / base ? most : value * base + digit;
-        if (value == most) break;
-    }
+    const uint64_t value = base == 10   ? ReadDigits<10>(text, most)
+                           : base == 16 ? ReadDigits<16>(text, most)
+                                        : ReadDigits<8>(text, most);
     return static_cast<Int>(isNegative ? uint64_t{0} - value : value);
 }
 
@@ -59,8 +69,14 @@ int32_t ReadInt32AnyBase(std::u16string_view text) {
 }
 
 std::u16string FormatInteger(int64_t value) {
-    const std::string digits = std::to_string(value);
-    return {digits.begin(), digits.end()};
+    char16_t digits[20];
+    char16_t* const end = std::end(digits);
+    char16_t* begin = end;
+    for (uint64_t rest = value < 0 ? uint64_t{0} - static_cast<uint64_t>(value) : static_cast<uint64_t>(value);
+         rest != 0 || begin == end; rest /= 10)
+        *--begin = static_cast<char16_t>(u'0' + rest % 10);
+    if (value < 0) *--begin = u'-';
+    return {begin, end};
 }
 
 }  // namespace kinsort
