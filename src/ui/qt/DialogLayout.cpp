@@ -28,9 +28,22 @@ bool GrowsWide(const LayoutItem& item) {
 
 DialogLayout::DialogLayout(std::vector<LayoutItem> items, BaseUnits units, int width, int height)
     : items_(std::move(items)), units_(units), places_(items_.size()) {
+    SnapLeftEdges();
     PlaceColumns(width);
     PlaceRows(height);
     FindSmallest();
+}
+
+// Left edges that differ by one unit are one edge to the eye; right edges stay where they are.
+void DialogLayout::SnapLeftEdges() {
+    for (LayoutItem& item : items_) {
+        const bool isOffByOne = std::any_of(items_.begin(), items_.end(), [&item](const LayoutItem& other) {
+            return other.place.x == item.place.x - 1 && !ShareHeight(other.place, item.place);
+        });
+        if (!isOffByOne) continue;
+        item.place.x -= 1;
+        item.place.width += 1;
+    }
 }
 
 // Buttons under each other stay equally wide.

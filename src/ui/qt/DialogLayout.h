@@ -54,6 +54,7 @@ class DialogLayout {
   private:
     int ToX(int units) const { return (units * units_.width + 2) / 4; }
     int ToY(int units) const { return (units * units_.height + 4) / 8; }
+    void SnapLeftEdges();
     void PlaceColumns(int templateWidth);
     void PlaceRows(int templateHeight);
     void ShareColumnWidths();

@@ -138,7 +138,7 @@ void KinsortWindow::SetTopmost(bool isTopmost) {
 void KinsortWindow::FocusFirstControl() {
     for (const DialogControl& control : kDialogControls) {
         if ((control.styles & kStyleTabStop) == 0) continue;
-        controls_[control.id]->setFocus(Qt::TabFocusReason);
+        controls_[control.id]->setFocus(Qt::OtherFocusReason);
         return;
     }
 }

@@ -9,7 +9,7 @@ namespace kinsort {
 namespace {
 
 constexpr int kProbe = 1000;
-constexpr int kAir = 4;  // pixels beside the text that a style may paint its focus mark in
+constexpr int kAir = 6;  // pixels beside the text that a style may paint its focus mark in
 
 int PaddingOf(const QPushButton& button) {
     QStyleOptionButton option;

@@ -2,6 +2,7 @@
 
 #include <QAbstractButton>
 #include <QComboBox>
+#include <QHeaderView>
 #include <QLineEdit>
 #include <QMenu>
 #include <limits>
@@ -63,13 +64,17 @@ int QtKinsortDlgView::DoModal(WindowHandle, KinsortDlgEvents& events) {
     if (events.OnInitDialog()) window_.FocusFirstControl();
     if (!result_) {
         window_.show();
+        if (hasClearedSelection_) ClearFolderSelection();  // showing a dialog selects the text of its first field
         loop_.exec();
     }
+    window_.SetCallbacks({});
+    events_ = nullptr;
     return *result_;
 }
 
 void QtKinsortDlgView::EndDialog(int result) {
     result_ = result;
+    topLevel_.reset();
     timers_.clear();
     window_.hide();
     loop_.exit();
@@ -150,6 +155,7 @@ void QtKinsortDlgView::FocusControl(int controlId) {
 
 void QtKinsortDlgView::ClearFolderSelection() {
     QLineEdit* const field = window_.Folder().lineEdit();
+    hasClearedSelection_ = true;
     field->deselect();
     field->setCursorPosition(static_cast<int>(field->text().size()));
 }
@@ -171,7 +177,10 @@ std::optional<size_t> QtKinsortDlgView::ShowPopupMenu(int controlId, const std::
     return chosen->data().value<size_t>();
 }
 
-void QtKinsortDlgView::PrepareList() {}  // the widget draws icons and selects rows from the beginning
+// The widget draws icons and selects rows from the beginning.
+void QtKinsortDlgView::PrepareList() {
+    window_.List().horizontalHeader()->setStretchLastSection(true);
+}
 
 void QtKinsortDlgView::InsertListColumn(size_t index, std::u16string_view title, int width) {
     window_.List().InsertColumn(static_cast<int>(index), ToQString(title), width);

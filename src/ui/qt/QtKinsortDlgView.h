@@ -78,6 +78,7 @@ class QtKinsortDlgView final : public KinsortDlgView {
     std::map<int, std::unique_ptr<QTimer>> timers_;
     std::optional<int> result_;
     QEventLoop loop_;
+    bool hasClearedSelection_ = false;
     WindowHandle handle_ = kNoWindow;
 };
 
