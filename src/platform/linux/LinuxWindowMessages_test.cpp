@@ -7,7 +7,6 @@
 #include <filesystem>
 #include <fstream>
 #include <functional>
-#include <future>
 #include <thread>
 #include <vector>
 
@@ -16,7 +15,6 @@
 #include <gtest/gtest.h>
 #include <poll.h>
 #include <signal.h>
-#include <sys/eventfd.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/un.h>
@@ -25,6 +23,7 @@
 
 #include "platform/linux/Descriptor.h"
 #include "platform/linux/MessageFrame.h"
+#include "platform/linux/OtherProgram_test.h"
 #include "platform/linux/TemporaryFolder_test.h"
 
 namespace kinsort {
@@ -34,80 +33,6 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::SizeIs;
 using namespace std::string_literals;
-using Bytes = std::vector<std::byte>;
-
-Bytes Pattern(size_t size) {
-    Bytes bytes(size);
-    for (size_t i = 0; i < size; ++i)
-        bytes[i] = static_cast<std::byte>((i * 31 + (i >> 8)) & 0xFF);
-    return bytes;
-}
-
-struct Got {
-    char kind = ' ';  // d, n or p
-    uint64_t first = 0;
-    int64_t second = 0;
-    uint64_t other = 0;  // the message, or the sender
-    Bytes data = {};
-    bool operator==(const Got&) const = default;
-};
-
-struct Recorder : MessageHandler {
-    std::vector<Got> got;
-    std::function<int64_t()> answer = [] { return 0; };
-
-    int64_t OnData(WindowHandle sender, uint64_t number, std::span<const std::byte> data) override {
-        got.push_back({'d', number, 0, sender, {data.begin(), data.end()}});
-        return answer();
-    }
-    int64_t OnNumbers(uint32_t message, uint64_t first, int64_t second) override {
-        got.push_back({'n', first, second, message, {}});
-        return answer();
-    }
-    void OnDrop(std::span<const std::byte> list) override { got.push_back({'p', 0, 0, 0, {list.begin(), list.end()}}); }
-};
-
-bool WaitReadable(int descriptor) {
-    pollfd wait = {descriptor, POLLIN, 0};
-    return poll(&wait, 1, 60'000) == 1;
-}
-
-// A program of its own, as far as messages are concerned: a thread with a window and an event loop.
-class OtherProgram {
-  public:
-    OtherProgram(std::function<std::unique_ptr<WindowMessages>()> make, Recorder& recorder,
-                 std::function<void(WindowMessages&)> begin = {}) {
-        std::promise<WindowHandle> made;
-        std::future<WindowHandle> handle = made.get_future();
-        thread_ = std::thread([this, make, &recorder, begin, &made] {
-            const std::unique_ptr<WindowMessages> messages = make();
-            const auto window = messages->RegisterTopLevel(u"Other", recorder);
-            made.set_value((*window)->Handle());
-            if (begin) begin(*messages);
-            std::array<pollfd, 2> waits = {pollfd{messages->EventDescriptor(), POLLIN, 0},
-                                           pollfd{stop_.get(), POLLIN, 0}};
-            while (poll(waits.data(), waits.size(), -1) > 0 && waits[1].revents == 0)
-                messages->Dispatch();
-            messages->Dispatch();
-        });
-        handle_ = handle.get();
-    }
-    ~OtherProgram() { Stop(); }
-    OtherProgram(const OtherProgram&) = delete;
-    OtherProgram& operator=(const OtherProgram&) = delete;
-
-    WindowHandle handle() const { return handle_; }
-    // After this the recorder may be read.
-    void Stop() {
-        eventfd_write(stop_.get(), 1);
-        if (thread_.joinable()) thread_.join();
-    }
-
-  private:
-    Descriptor stop_{eventfd(0, EFD_CLOEXEC)};
-    WindowHandle handle_ = kNoWindow;
-    std::thread thread_;
-};
 
 class LinuxWindowMessagesTest : public testing::Test {
   protected:

@@ -19,9 +19,21 @@ LineOutcome TellSyntaxError(ScriptRun& run, const StatementCall& call) {
 
 }  // namespace
 
-// A host that has gone, or does not answer, is nothing that the user of the script could mend here.
+// That it does not answer is nothing that the user of the script could mend.
+void SendToHost(ScriptRun& run, std::u16string_view text, uint32_t code) {
+    WindowMessages& windows = run.services.windows;
+    if (!windows.IsWindowAlive(run.hostWindow)) return;
+    (void)SendCopyData(windows, run.services.ui, run.hostWindow, text, code);
+}
+
+void SendToHost(ScriptRun& run, int32_t number, std::u16string_view text, uint32_t code) {
+    WindowMessages& windows = run.services.windows;
+    if (!windows.IsWindowAlive(run.hostWindow)) return;
+    (void)SendCommandText(windows, run.services.ui, run.hostWindow, text, number, code);
+}
+
 LineOutcome SendTextMessage(ScriptRun& run, const StatementCall& call, const TextMessageRow& row) {
-    (void)SendCopyData(run.services.windows, run.services.ui, run.hostWindow, call.value, row.code);
+    SendToHost(run, call.value, row.code);
     return LineOutcome::kNextLine;
 }
 
@@ -50,8 +62,7 @@ LineOutcome RunPostMessageTab(ScriptRun& run, const StatementCall& call) {
 LineOutcome RunSystemCommand(ScriptRun& run, const StatementCall& call) {
     const size_t comma = call.value.find(u',');
     const std::u16string_view text = comma == call.value.npos ? std::u16string_view() : call.value.substr(comma + 1);
-    (void)SendCopyData(run.services.windows, run.services.ui, run.hostWindow, TrimView(text),
-                       static_cast<uint32_t>(ReadInt32(call.value.substr(0, comma))));
+    SendToHost(run, TrimView(text), static_cast<uint32_t>(ReadInt32(call.value.substr(0, comma))));
     return LineOutcome::kNextLine;
 }
 

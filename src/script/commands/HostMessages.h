@@ -50,6 +50,11 @@ inline constexpr std::array<CommandMessageRow, 8> kCommandMessages = {{
     {u"postmessagebar", 0x800C, Delivery::kPosted, "Posts two numbers to the host as message 0x800C."},
 }};
 
+// A text for the host's window; nothing happens when that is not there.
+void SendToHost(ScriptRun& run, std::u16string_view text, uint32_t code);
+// The same with a number and a slash before the text.
+void SendToHost(ScriptRun& run, int32_t number, std::u16string_view text, uint32_t code);
+
 LineOutcome SendTextMessage(ScriptRun& run, const StatementCall& call, const TextMessageRow& row);
 LineOutcome SendCommandMessage(ScriptRun& run, const StatementCall& call, const CommandMessageRow& row);
 // "postmessagetab", which never means anything.

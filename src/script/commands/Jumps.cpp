@@ -1,9 +1,9 @@
 #include "script/commands/Jumps.h"
 
-#include "framework/CopyData.h"
 #include "framework/Paths.h"
 #include "script/ScriptLine.h"
 #include "script/ScriptRun.h"
+#include "script/commands/HostMessages.h"
 #include "text/Numbers.h"
 #include "text/Trim.h"
 
@@ -34,8 +34,7 @@ LineOutcome Jump(ScriptRun& run, const StatementCall& call, const std::array<uin
     const auto [mode, path] = Separate(call.value);
     if (path.empty() || mode < 0 || mode >= static_cast<int32_t>(codes.size()))
         return run.Fail(ScriptError::kSyntax, call.line.statement);
-    (void)SendCopyData(run.services.windows, run.services.ui, run.hostWindow, GetFullPath(run.services.files, path),
-                       codes[static_cast<size_t>(mode)]);
+    SendToHost(run, GetFullPath(run.services.files, path), codes[static_cast<size_t>(mode)]);
     return LineOutcome::kNextLine;
 }
 
@@ -52,15 +51,14 @@ LineOutcome RunFileJump(ScriptRun& run, const StatementCall& call) {
 LineOutcome RunFavoriteJump(ScriptRun& run, const StatementCall& call) {
     const auto [number, path] = Separate(call.value);
     if (path.empty() || number > kMaxFavorite) return run.Fail(ScriptError::kSyntax, call.line.statement);
-    (void)SendCommandText(run.services.windows, run.services.ui, run.hostWindow, GetFullPath(run.services.files, path),
-                          number == 0 ? kFavoriteForZero : number, kFavoriteCode);
+    SendToHost(run, number == 0 ? kFavoriteForZero : number, GetFullPath(run.services.files, path), kFavoriteCode);
     return LineOutcome::kNextLine;
 }
 
 LineOutcome RunUbJump(ScriptRun& run, const StatementCall& call) {
     const auto [number, text] = Separate(call.value);
     if (number < 1 || number > kMaxUb) return run.Fail(ScriptError::kSyntax, call.line.statement);
-    (void)SendCommandText(run.services.windows, run.services.ui, run.hostWindow, text, number - 1, kUbCode);
+    SendToHost(run, number - 1, text, kUbCode);
     return LineOutcome::kNextLine;
 }
 

@@ -1,11 +1,11 @@
 // "shell" and "run": a folder for the host, or a program or document to be started.
-#include "framework/CopyData.h"
 #include "framework/LaunchBatch.h"
 #include "framework/Paths.h"
 #include "script/ItemTokens.h"
 #include "script/ScriptLine.h"
 #include "script/ScriptRun.h"
 #include "script/commands/DropHandOver.h"
+#include "script/commands/HostMessages.h"
 #include "script/commands/Programs.h"
 
 namespace kinsort {
@@ -34,7 +34,7 @@ bool CountsAsFolder(ScriptRun& run, std::u16string_view target) {
 LineOutcome SendFolder(ScriptRun& run, std::u16string_view target, bool isFolder) {
     const std::u16string folder = isFolder ? std::u16string(target) : FolderOf(target);
     if (folder.empty()) return LineOutcome::kNextLine;
-    (void)SendCopyData(run.services.windows, run.services.ui, run.hostWindow, folder, FolderCode(run.options.openMode));
+    SendToHost(run, folder, FolderCode(run.options.openMode));
     return LineOutcome::kNextLine;
 }
 
