@@ -217,20 +217,21 @@ void CComplementComboBox::StartListing(const std::u16string& text) {
     const auto list = [this, number, &files = files_, request = RequestFor(full, m_bFoldersOnly),
                        latest = listingNumber_](const WorkerThreads::Link& link) {
         const auto isOver = [&] { return link.IsStopped() || *latest != number; };
-        std::vector<std::u16string> candidates = ListCandidates(files, request, isOver);
-        link.Post([this, number, candidates = std::move(candidates)] { OnListed(number, candidates); });
+        // Shared, because a task may be copied on its way.
+        auto candidates = std::make_shared<std::vector<std::u16string>>(ListCandidates(files, request, isOver));
+        link.Post([this, number, candidates] { OnListed(number, std::move(*candidates)); });
     };
     if (!workers_.Start(list)) return;
     awaited_ = text;
     view_.ShowBusy(true);
 }
 
-void CComplementComboBox::OnListed(uint64_t number, const std::vector<std::u16string>& candidates) {
+void CComplementComboBox::OnListed(uint64_t number, std::vector<std::u16string> candidates) {
     if (number != *listingNumber_) return;
     const std::optional<std::u16string> asked = awaited_;
     EndListing();
     if (GetText() != asked) return;
-    ShowItems(candidates);
+    ShowItems(std::move(candidates));
     ShowCompletion();
 }
 

@@ -125,7 +125,7 @@ class CComplementComboBox {
     void DeleteToEnd();
     std::u16string CompletedRoot() const;
     void StartListing(const std::u16string& text);
-    void OnListed(uint64_t number, const std::vector<std::u16string>& candidates);
+    void OnListed(uint64_t number, std::vector<std::u16string> candidates);
     void EndListing();
     void ShowCompletion();
 
