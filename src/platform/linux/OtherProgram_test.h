@@ -15,9 +15,11 @@
 
 #include <poll.h>
 #include <sys/eventfd.h>
+#include <unistd.h>
 
 #include "platform/WindowMessages.h"
 #include "platform/linux/Descriptor.h"
+#include "platform/linux/LinuxWindowMessages.h"
 
 namespace kinsort {
 
@@ -53,6 +55,11 @@ struct Recorder : MessageHandler {
     }
     void OnDrop(std::span<const std::byte> list) override { got.push_back({'p', 0, 0, 0, {list.begin(), list.end()}}); }
 };
+
+// Of the windows in `folder`.
+inline std::unique_ptr<WindowMessages> MakeWindowMessagesIn(const std::string& folder) {
+    return MakeLinuxWindowMessages(folder, geteuid(), {});
+}
 
 inline bool WaitReadable(int descriptor) {
     pollfd wait = {descriptor, POLLIN, 0};

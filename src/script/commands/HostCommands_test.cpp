@@ -1,17 +1,16 @@
 // What scripts send to a host in another program and start as real processes, and the hand-over by drop.
+#include <filesystem>
 #include <fstream>
+#include <thread>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
 #include "framework/CopyData.h"
 #include "framework/FileDropList.h"
 #include "platform/linux/LinuxDesktopOpener.h"
 #include "platform/linux/LinuxFileSystem.h"
 #include "platform/linux/LinuxProcesses.h"
-#include "platform/linux/LinuxWindowMessages.h"
 #include "platform/linux/OtherProgram_test.h"
 #include "platform/linux/TemporaryFolder_test.h"
 #include "script/ScriptWorld_test.h"
@@ -36,7 +35,7 @@ ScriptEnding RunIn(const ScriptServices& services, std::vector<std::u16string>& 
 
 TEST(HostCommandsTest, EveryMessageArrivesInTheHostByteForByte) {
     const TemporaryFolder folder;
-    const auto make = [&folder] { return MakeLinuxWindowMessages(folder.path() + "/vel", geteuid(), {}); };
+    const auto make = [&folder] { return MakeWindowMessagesIn(folder.path() + "/vel"); };
     ScriptWorld world;
     std::u16string text;
     std::vector<Got> expected;
@@ -181,11 +180,14 @@ class RealProgramsTest : public testing::Test {
               "{ pwd; for a in \"$@\"; do printf '[%s]\\n' \"$a\"; done; } > \"$0.report\"\n"
               "case $1 in stubborn) trap '' TERM INT HUP; while test -e \"$0\"; do sleep 0.05; done; exit 0;; esac\n"
               "exit ${1:-0}\n");
-        chmod((folder_.path() + "/helper").c_str(), 0755);
+        MakeProgram("helper");
         std::filesystem::create_directory(folder_.path() + "/a b");
     }
     void Write(const std::string& name, std::string_view content) const {
         std::ofstream(folder_.path() + "/" + name) << content;
+    }
+    void MakeProgram(const std::string& name) const {
+        std::filesystem::permissions(folder_.path() + "/" + name, std::filesystem::perms::owner_all);
     }
     std::string Content(const std::string& name) const {
         std::ifstream file(folder_.path() + "/" + name);
@@ -276,7 +278,7 @@ TEST_F(RealProgramsTest, CancelEndsTheWaitForAProgram) {
 
 TEST_F(RealProgramsTest, ItemsReachTheProgramWhole) {
     Write("out.sh", "#!/bin/sh\nprintf '[%s]\\n' \"$@\" > \"$0.report\"\n");
-    chmod((folder_.path() + "/out.sh").c_str(), 0755);
+    MakeProgram("out.sh");
     items_ = {At("a b/it's & $(x) \xE3\x81\x82.txt"), At("\xFFz")};
     (void)Run(u"openmode=1\nbootmode=5\nmulticommandmode=1\ncommandlineoption=/f ?SelFile? ?name?\nshell=" +
               At("out.sh") + u"\n");
