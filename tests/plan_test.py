@@ -99,7 +99,7 @@ class Plan(Workshop):
                 ((file, "--to", f"{self.top}/none"), 3,
                  f"--to {self.top}/none: there is no such folder, or it cannot be read; check the path"),
                 ((file, "--to", file), 3,
-                 f"--to {file}: this is a file; name the folder whose sub-folders the items go into"),
+                 f"--to {file}: this is a file; name a folder"),
                 ((file, "--to", self.target), 3,
                  f"{self.target}: there are no sub-folders to sort into; create some, or choose another folder with --to"),
                 ((file,), 2, "plan: name the folder whose sub-folders the items go into: --to DIR"),

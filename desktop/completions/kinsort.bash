@@ -5,12 +5,15 @@ _kinsort() {
     [[ $current == = ]] && current=
     [[ $before == = ]] && before=${COMP_WORDS[COMP_CWORD-2]}
     if ((COMP_CWORD == 1)); then
-        mapfile -t COMPREPLY < <(compgen -W 'plan sort undo redo history recover settings help completion --help --version' -- "$current")
+        mapfile -t COMPREPLY < <(compgen -W 'plan sort open undo redo history recover settings help completion --help --version' -- "$current")
         return
     fi
     compopt -o filenames 2>/dev/null
     case $before in
     --to | -t)
+        mapfile -t COMPREPLY < <(compgen -d -- "$current")
+        return ;;
+    --other-tab)
         mapfile -t COMPREPLY < <(compgen -d -- "$current")
         return ;;
     --on-conflict)
@@ -43,6 +46,12 @@ _kinsort() {
         else
             mapfile -t COMPREPLY < <(compgen -f -- "$current")
         fi ;;
+    open)
+        if [[ $current == -* ]]; then
+            mapfile -t COMPREPLY < <(compgen -W '--to --other-tab --copy --move --files-from --no-wait --quiet --help' -- "$current")
+        else
+            mapfile -t COMPREPLY < <(compgen -f -- "$current")
+        fi ;;
     undo)
         if [[ $current == -* ]]; then
             mapfile -t COMPREPLY < <(compgen -W '--json --quiet --help' -- "$current")
@@ -71,7 +80,7 @@ _kinsort() {
         if [[ $current == -* ]]; then
             mapfile -t COMPREPLY < <(compgen -W '--help' -- "$current")
         else
-            mapfile -t COMPREPLY < <(compgen -W 'plan sort undo redo history recover settings help completion' -- "$current")
+            mapfile -t COMPREPLY < <(compgen -W 'plan sort open undo redo history recover settings help completion' -- "$current")
         fi ;;
     completion)
         if [[ $current == -* ]]; then

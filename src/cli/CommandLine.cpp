@@ -131,8 +131,12 @@ std::string ReadOptions(std::vector<std::string> arguments, CommandLine& line) {
         if (options[index]->count() == 0) continue;
         const bool isFlag = kOptions[index].kind == ValueKind::kNone;
         if (isFlag && options[index]->results().back() != "true") return Dashed(kOptions[index]) + " takes no value";
-        if (const std::string wrong = CheckValue(kOptions[index], values[index]); !wrong.empty()) return wrong;
+        const std::vector<std::string>& given = options[index]->results();
+        for (const std::string& value : kOptions[index].isRepeatable ? given : std::vector{values[index]}) {
+            if (const std::string wrong = CheckValue(kOptions[index], value); !wrong.empty()) return wrong;
+        }
         line.values[index] = values[index];
+        if (kOptions[index].isRepeatable) line.repeated[index] = given;
     }
     for (std::string& extra : app.remaining()) {
         if (extra.size() > 1 && extra[0] == '-') return "there is no option '" + extra + "'";
@@ -146,15 +150,13 @@ std::string CheckTogether(const CommandLine& line) {
     const auto countOf = [&line](std::initializer_list<OptionId> ids) {
         return std::count_if(ids.begin(), ids.end(), [&line](OptionId id) { return line.Has(id); });
     };
-    const auto takes = [&line](OptionId id) {
-        return std::find(line.verb->options.begin(), line.verb->options.end(), id) != line.verb->options.end();
-    };
     if (line.Has(OptionId::kHelp)) return {};
-    if (takes(OptionId::kTo) && !line.Has(OptionId::kTo)) {
+    if (line.verb->needs != VerbNeeds::kNothing && !line.Has(OptionId::kTo)) {
         return "name the folder whose sub-folders the items go into: --to DIR";
     }
     if (countOf({OptionId::kCopy, OptionId::kMove}) > 1) return "choose one of --copy and --move";
-    if (takes(OptionId::kCopy) && countOf({OptionId::kCopy, OptionId::kMove, OptionId::kDryRun}) == 0) {
+    if (line.verb->needs == VerbNeeds::kFolderAndMode &&
+        countOf({OptionId::kCopy, OptionId::kMove, OptionId::kDryRun}) == 0) {
         return "say what to do with the items: --copy or --move";
     }
     if (countOf({OptionId::kFinish, OptionId::kUndo, OptionId::kLeave}) > 1) {

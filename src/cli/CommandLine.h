@@ -17,11 +17,14 @@ struct CommandLine {
     const VerbSpec* verb = nullptr;
     std::array<std::optional<std::string>, kOptions.size()> values;  // "" for a flag that is set
     std::vector<std::string> operands;
+    // What a repeatable option was given, in order.
+    std::array<std::vector<std::string>, kOptions.size()> repeated;
 
     bool Has(OptionId id) const { return values[static_cast<size_t>(id)].has_value(); }
     std::string Value(OptionId id, std::string_view otherwise = {}) const {
         return values[static_cast<size_t>(id)].value_or(std::string(otherwise));
     }
+    const std::vector<std::string>& Values(OptionId id) const { return repeated[static_cast<size_t>(id)]; }
     int Number(OptionId id, int otherwise) const;
     // The batch number that stands as operand; 0 when there is none.
     uint64_t Batch() const;

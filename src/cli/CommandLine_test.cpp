@@ -29,6 +29,12 @@ TEST(CommandLine, ReadsVerbOptionsAndOperands) {
     EXPECT_EQ(shorts.Value(OptionId::kTo), "/d") << "the last one counts";
     EXPECT_EQ(shorts.Value(OptionId::kFilesFrom), "-");
 
+    const CommandLine tabs =
+        Parse({"open", "/2m", "--other-tab", "[a,b]", "x", "--other-tab=c\nd", "--to", "1", "--to=2"});
+    EXPECT_THAT(tabs.Values(OptionId::kOtherTab), ElementsAre("[a,b]", "c\nd"));
+    EXPECT_THAT(tabs.operands, ElementsAre("/2m", "x"));
+    EXPECT_EQ(tabs.Value(OptionId::kTo), "2");
+
     EXPECT_EQ(Parse({"undo", "18446744073709551615"}).Batch(), 18446744073709551615U);
     EXPECT_EQ(Parse({"undo"}).Batch(), 0U);
 }
@@ -68,6 +74,8 @@ TEST(CommandLine, SaysWhatIsWrong) {
         {{"sort", "--to", "d", "-c", "-m"}, "sort: choose one of --copy and --move"},
         {{"sort", "--to", "d", "-c", "--on-conflict=no"},
          "sort: --on-conflict takes ask, skip, replace or keep-both, not 'no'"},
+        {{"open", "--other-tab=a", "--other-tab", ""}, "open: --other-tab is empty: name a folder"},
+        {{"open", "-c", "-m"}, "open: choose one of --copy and --move"},
         {{"undo", "12x"}, "undo: '12x' is not a batch number; 'kinsort history' lists them"},
         {{"undo", "0"}, "undo: '0' is not a batch number; 'kinsort history' lists them"},
         {{"undo", "1", "2"}, "undo: takes one batch number"},

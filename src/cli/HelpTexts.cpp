@@ -55,11 +55,8 @@ std::string WrapText(std::string_view text, size_t indent, size_t columns) {
 
 std::string SynopsisOf(const VerbSpec& verb) {
     std::string text = "kinsort " + std::string(verb.name);
-    const auto takes = [&verb](OptionId id) {
-        return std::find(verb.options.begin(), verb.options.end(), id) != verb.options.end();
-    };
-    if (takes(OptionId::kTo)) text += " --to DIR";
-    if (takes(OptionId::kCopy)) text += " --copy|--move";
+    if (verb.needs != VerbNeeds::kNothing) text += " --to DIR";
+    if (verb.needs == VerbNeeds::kFolderAndMode) text += " --copy|--move";
     if (verb.options.size() > 1) text += " [OPTION...]";
     const std::string operand = OperandText(verb);
     return operand.empty() ? text : text + " " + operand;

@@ -101,4 +101,9 @@ ItemList CollectItems(CliContext& context, const CommandLine& line) {
     return list;
 }
 
+void SayMissing(CliContext& context, const ItemList& items) {
+    for (const MissingItem& item : items.missing)
+        context.console.Say((item.typed.empty() ? "''" : ShownText(item.typed)) + ": " + StatusText(item.why));
+}
+
 }  // namespace kinsort

@@ -38,6 +38,9 @@ struct ItemList {
 // Collects the items. Nothing is said about missing ones.
 ItemList CollectItems(CliContext& context, const CommandLine& line);
 
+// Names each item that does not exist, and why it does not count.
+void SayMissing(CliContext& context, const ItemList& items);
+
 // The absolute inner form of what the user wrote for a path: a file:/ address, a path below "~/", or a native path.
 // kInvalid, with a text that says why, for an address that names no local file.
 Result<std::u16string> ResolveTyped(CliContext& context, std::string_view typed);

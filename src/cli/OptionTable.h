@@ -11,6 +11,7 @@ namespace kinsort {
 
 enum class OptionId : uint8_t {
     kTo,
+    kOtherTab,
     kCopy,
     kMove,
     kOnConflict,
@@ -24,6 +25,7 @@ enum class OptionId : uint8_t {
     kUndo,
     kLeave,
     kType,
+    kNoWait,
     kJson,
     kQuiet,
     kHelp,
@@ -40,10 +42,15 @@ struct OptionSpec {
     std::string_view value;  // what the value is called, or the choices separated by "|"
     int minimum;             // of a number
     std::string_view help;
+    bool isRepeatable = false;  // each time counts, not only the last one
 };
 
 inline constexpr std::array<OptionSpec, static_cast<size_t>(OptionId::kCount)> kOptions = {{
     {OptionId::kTo, "to", 't', ValueKind::kFolder, "DIR", 0, "The folder whose sub-folders the items are sorted into."},
+    {OptionId::kOtherTab, "other-tab", 0, ValueKind::kFolder, "DIR", 0,
+     "A folder to offer as that of another tab of the file manager; can be given several times. With /2c and /2m the "
+     "first one is where to sort to.",
+     true},
     {OptionId::kCopy, "copy", 'c', ValueKind::kNone, "", 0, "Copy the items; the originals stay."},
     {OptionId::kMove, "move", 'm', ValueKind::kNone, "", 0, "Move the items."},
     {OptionId::kOnConflict, "on-conflict", 0, ValueKind::kChoice, "ask|skip|replace|keep-both", 0,
@@ -67,6 +74,8 @@ inline constexpr std::array<OptionSpec, static_cast<size_t>(OptionId::kCount)> k
     {OptionId::kType, "type", 0, ValueKind::kChoice, "string|dword|binary", 0,
      "The type of a new value that is none of the named settings. The default is string; binary takes pairs of "
      "hexadecimal digits."},
+    {OptionId::kNoWait, "no-wait", 0, ValueKind::kNone, "", 0,
+     "Return as soon as the dialog has taken the items over, not when it is closed."},
     {OptionId::kJson, "json", 0, ValueKind::kNone, "", 0, "Print JSON for programs instead of text for people."},
     {OptionId::kQuiet, "quiet", 'q', ValueKind::kNone, "", 0,
      "Print results and failures only: no progress, no advice."},

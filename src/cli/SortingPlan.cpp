@@ -13,32 +13,6 @@ std::u16string JoinPath(const std::u16string& folder, const std::u16string& name
     return folder.ends_with(u'\\') ? folder + name : folder + u'\\' + name;
 }
 
-// The search folder; empty after a message.
-std::u16string FindSearchFolder(CliContext& context, const CommandLine& line) {
-    const std::string typed = line.Value(OptionId::kTo);
-    const Result<std::u16string> folder = ResolveTyped(context, typed);
-    const std::string shown = "--to " + ShownText(typed) + ": ";
-    if (!folder.ok()) {
-        context.console.Say(shown + StatusText(folder.status()));
-        return {};
-    }
-    const uint32_t attributes = context.services.files.GetAttributes(*folder);
-    if (attributes == kInvalidAttributes) {
-        context.console.Say(shown + "there is no such folder, or it cannot be read; check the path");
-        return {};
-    }
-    if ((attributes & kAttributeDirectory) == 0) {
-        context.console.Say(shown + "this is a file; name the folder whose sub-folders the items go into");
-        return {};
-    }
-    const Result<std::string> stored = context.services.codec.PathToStored(*folder);
-    if (stored.ok() && context.services.sys.OpenFolder(*stored).code() == StatusCode::kAccessDenied) {
-        context.console.Say(shown + "permission denied; its sub-folders cannot be listed");
-        return {};
-    }
-    return *folder;
-}
-
 bool SayWhyNoItems(CliContext& context, const ItemList& items, bool hasMissing) {
     switch (items.source) {
         case ItemSource::kNone:
@@ -60,13 +34,35 @@ bool SayWhyNoItems(CliContext& context, const ItemList& items, bool hasMissing) 
 
 }  // namespace
 
+std::u16string FindNamedFolder(CliContext& context, OptionId option, const std::string& typed) {
+    const Result<std::u16string> folder = ResolveTyped(context, typed);
+    const std::string shown = "--" + std::string(SpecOf(option).name) + " " + ShownText(typed) + ": ";
+    if (!folder.ok()) {
+        context.console.Say(shown + StatusText(folder.status()));
+        return {};
+    }
+    const uint32_t attributes = context.services.files.GetAttributes(*folder);
+    if (attributes == kInvalidAttributes) {
+        context.console.Say(shown + "there is no such folder, or it cannot be read; check the path");
+        return {};
+    }
+    if ((attributes & kAttributeDirectory) == 0) {
+        context.console.Say(shown + "this is a file; name a folder");
+        return {};
+    }
+    const Result<std::string> stored = context.services.codec.PathToStored(*folder);
+    if (stored.ok() && context.services.sys.OpenFolder(*stored).code() == StatusCode::kAccessDenied) {
+        context.console.Say(shown + "permission denied; its sub-folders cannot be listed");
+        return {};
+    }
+    return *folder;
+}
+
 std::optional<ExitCode> MakeSortingPlan(CliContext& context, const CommandLine& line, SortingPlan& plan) {
-    plan.searchFolder = FindSearchFolder(context, line);
+    plan.searchFolder = FindNamedFolder(context, OptionId::kTo, line.Value(OptionId::kTo));
     if (plan.searchFolder.empty()) return ExitCode::kNothing;
     ItemList items = CollectItems(context, line);
-    for (const MissingItem& item : items.missing) {
-        context.console.Say((item.typed.empty() ? "''" : ShownText(item.typed)) + ": " + StatusText(item.why));
-    }
+    SayMissing(context, items);
     plan.missing = std::move(items.missing);
     if (SayWhyNoItems(context, items, !plan.missing.empty())) {
         return items.source == ItemSource::kNone ? ExitCode::kUsage : ExitCode::kNothing;

@@ -11,6 +11,7 @@ using enum OptionId;
 constexpr OptionId kPlanOptions[] = {kTo, kFilesFrom, kScores, kMinScore, kThreads, kJson, kQuiet, kHelp};
 constexpr OptionId kSortOptions[] = {kTo,       kCopy,    kMove,       kOnConflict, kDryRun, kFilesFrom, kScores,
                                      kMinScore, kThreads, kDurability, kJson,       kQuiet,  kHelp};
+constexpr OptionId kOpenOptions[] = {kTo, kOtherTab, kCopy, kMove, kFilesFrom, kNoWait, kQuiet, kHelp};
 constexpr OptionId kUndoOptions[] = {kJson, kQuiet, kHelp};
 constexpr OptionId kHistoryOptions[] = {kJson, kHelp};
 constexpr OptionId kRecoverOptions[] = {kFinish, kUndo, kLeave, kJson, kQuiet, kHelp};
@@ -29,21 +30,43 @@ constexpr ActionSpec kSettingsActions[] = {
 };
 
 constexpr std::array kVerbs = {
-    VerbSpec{"plan", OperandKind::kItems, "Show which folder each item would go to",
+    VerbSpec{"plan",
+             OperandKind::kItems,
+             "Show which folder each item would go to",
              "Compares the name of each item with the names of the folders directly in DIR and shows the folder whose "
              "name looks most like it. Nothing is changed.\n\n"
              "Names are compared without regard to case, to the kind of kana and to full or half width; digits, blanks "
              "and brackets do not count. The score is the number of two-character pieces of the item's name that occur "
              "in the folder's name. Of folders with the same score the first by name is taken; an item that shares "
              "nothing with any folder has no candidate.",
-             kPlanOptions, RunPlan, false},
-    VerbSpec{"sort", OperandKind::kItems, "Copy or move each item into the folder its name looks most like",
+             kPlanOptions,
+             RunPlan,
+             false,
+             {},
+             VerbNeeds::kFolder},
+    VerbSpec{"sort",
+             OperandKind::kItems,
+             "Copy or move each item into the folder its name looks most like",
              "Carries out what 'kinsort plan' shows, as one batch that 'kinsort undo' takes back. Items without a "
              "candidate stay where they are and are listed. An item that cannot be copied or moved never stops the "
              "others.\n\n"
              "Ctrl-C stops cleanly: every item is then either wholly done or untouched, and what was done can be "
              "undone.",
-             kSortOptions, RunSort, false},
+             kSortOptions,
+             RunSort,
+             false,
+             {},
+             VerbNeeds::kFolderAndMode},
+    VerbSpec{
+        "open", OperandKind::kItems, "Show the dialog for the items",
+        "Hands the items over to the dialog as a file manager does and waits until it is closed. In the dialog you "
+        "choose the folder, look through the plan, change it and carry it out.\n\n"
+        "In front of the items, /c or /m lets the dialog begin with copying or moving (as --copy and --move do); "
+        "/2c and /2m do so in two steps: the items first, then the folder, which is the first --other-tab or the "
+        "next one that is dropped on the dialog. An item of such a path is written file:///c.\n\n"
+        "Without a display nothing is shown and the exit code is 3. Otherwise the exit code is the dialog's own, "
+        "or 1 when some items do not exist.",
+        kOpenOptions, RunOpen, false},
     VerbSpec{"undo", OperandKind::kBatch, "Take back a batch: the newest one, or the one with the number ID",
              "Moved items go back to where they were, copies are removed, and files that were replaced come back. An "
              "item that was changed since is left alone and named. An undone batch can be redone.",

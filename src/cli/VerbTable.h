@@ -28,6 +28,9 @@ struct ActionSpec {
     std::string_view summary;
 };
 
+// What a line must say beside the operands.
+enum class VerbNeeds : uint8_t { kNothing, kFolder, kFolderAndMode };
+
 struct VerbSpec {
     std::string_view name;
     OperandKind operand;
@@ -37,6 +40,7 @@ struct VerbSpec {
     ExitCode (*run)(CliContext& context, const CommandLine& line);
     bool isHidden;  // for the build, not for people
     std::span<const ActionSpec> actions = {};
+    VerbNeeds needs = VerbNeeds::kNothing;
 };
 
 std::span<const VerbSpec> Verbs();
@@ -57,6 +61,7 @@ ExitCode RunUndo(CliContext& context, const CommandLine& line);
 ExitCode RunRedo(CliContext& context, const CommandLine& line);
 ExitCode RunHistory(CliContext& context, const CommandLine& line);
 ExitCode RunRecover(CliContext& context, const CommandLine& line);
+ExitCode RunOpen(CliContext& context, const CommandLine& line);
 ExitCode RunSettings(CliContext& context, const CommandLine& line);
 ExitCode RunHelp(CliContext& context, const CommandLine& line);
 ExitCode RunCompletion(CliContext& context, const CommandLine& line);

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "platform/Status.h"
@@ -31,6 +32,8 @@ struct ProcessRequest {
     std::u16string startFolder;  // inner form; empty: ours
     uint16_t showState = 1;      // how a window should open; only a hint
     ProcessTie tie = ProcessTie::kOurs;
+    // Variables, name and value, on top of the user's environment or in place of what it has.
+    std::vector<std::pair<std::u16string, std::u16string>> variables = {};
 };
 
 // A process that was started. Letting go of it neither ends the process nor leaves anything behind when it ends. Used

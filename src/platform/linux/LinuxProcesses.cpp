@@ -21,6 +21,7 @@
 #include "platform/linux/LinuxError.h"
 #include "platform/linux/PathWalk.h"
 #include "text/PathSyntax.h"
+#include "text/Utf8.h"
 
 namespace kinsort {
 
@@ -154,6 +155,31 @@ class SpawnPlan {
     posix_spawnattr_t attributes_;
 };
 
+// As the system takes lists of texts: with a null at the end.
+std::vector<char*> PointersTo(std::vector<std::string>& texts) {
+    std::vector<char*> pointers;
+    pointers.reserve(texts.size() + 1);
+    for (std::string& text : texts)
+        pointers.push_back(text.data());
+    pointers.push_back(nullptr);
+    return pointers;
+}
+
+std::vector<std::string> EnvironmentWith(const std::vector<std::pair<std::u16string, std::u16string>>& variables) {
+    std::vector<std::string> environment;
+    for (const auto& [name, value] : variables)
+        environment.push_back(ToUtf8(name) + "=" + ToUtf8(value));
+    const size_t ownCount = environment.size();
+    for (char** variable = environ; variable != nullptr && *variable != nullptr; ++variable) {
+        const std::string_view text = *variable;
+        const std::string_view nameAndSign = text.substr(0, std::min(text.find('='), text.size() - 1) + 1);
+        const auto isReplaced = [nameAndSign](const std::string& own) { return own.starts_with(nameAndSign); };
+        if (std::none_of(environment.begin(), environment.begin() + static_cast<ptrdiff_t>(ownCount), isReplaced))
+            environment.emplace_back(text);
+    }
+    return environment;
+}
+
 class LinuxProcesses final : public Processes {
   public:
     LinuxProcesses(const PathCodec& codec, FileSystem& files) : codec_(codec), files_(files) {
@@ -173,17 +199,15 @@ class LinuxProcesses final : public Processes {
         for (const std::u16string& argument : request.arguments) {
             arguments.push_back(ArgumentToStored(codec_, argument));
         }
-        std::vector<char*> pointers;
-        pointers.reserve(arguments.size() + 1);
-        for (std::string& argument : arguments)
-            pointers.push_back(argument.data());
-        pointers.push_back(nullptr);
+        const std::vector<char*> pointers = PointersTo(arguments);
+        std::vector<std::string> variables = EnvironmentWith(request.variables);
+        const std::vector<char*> variablePointers = PointersTo(variables);
 
         SpawnPlan plan;
         plan.Fill(folder->get(), request.tie);
         pid_t id = 0;
-        const int error =
-            posix_spawnp(&id, program->c_str(), plan.actions(), plan.attributes(), pointers.data(), environ);
+        const int error = posix_spawnp(&id, program->c_str(), plan.actions(), plan.attributes(), pointers.data(),
+                                       variablePointers.data());
         if (error == ENOEXEC) return StatusFromErrno(error, StatusCode::kUnsupported).At(request.program);
         if (error != 0) return StatusFromErrno(error).At(request.program);
         // Not through <sys/pidfd.h>, which some versions of the library declare wrongly for C++.

@@ -114,6 +114,19 @@ TEST_F(LinuxProcessesTest, OnlyWholePathsAreTranslated) {
                   "\xE3\x81\x82\n$HOME `id` ; *\n/x\\y\nname\t\xFF\n");
 }
 
+TEST_F(LinuxProcessesTest, VariablesComeOnTopOfTheUsersOwn) {
+    setenv("KINSORT_TEST_KEPT", "kept", 1);
+    setenv("KINSORT_TEST", "old", 1);
+    setenv("KINSORT_TEST_LONGER", "other", 1);
+    ProcessRequest request = Shell(
+        u"printf '%s|' \"$KINSORT_TEST\" \"$KINSORT_TEST_KEPT\" \"$KINSORT_TEST_LONGER\" "
+        u"\"$KINSORT_NEW\" > out; env | grep -c ^KINSORT_TEST= >> out");
+    request.startFolder = At("");
+    request.variables = {{u"KINSORT_TEST", u"new = 1"}, {u"KINSORT_NEW", u"\u3042"}};
+    EXPECT_EQ(Run(request), 0u);
+    EXPECT_EQ(Content("out"), "new = 1|kept|other|\xE3\x81\x82|1\n");
+}
+
 TEST_F(LinuxProcessesTest, ProgramsInOtherPlacesAreReached) {
     WriteProgram("to\\ol", "#!/bin/sh\nexit 3\n", 0755);
     std::filesystem::create_directories(folder_.path() + "/drives");
