@@ -131,7 +131,7 @@ bool CKinsortDlg::OnInitDialog() {
     m_view.ClearFolderSelection();
     if (m_services.handOff.SharedHandOff == 1) TakeHandedItems(m_services.handOff.SelectedItems);
     ApplyShowMode();
-    m_view.CallSoon([this] { m_services.operation.OfferRecovery(); });
+    m_view.CallSoon([&operation = m_services.operation] { operation.OfferRecovery(); });
     return true;
 }
 
@@ -365,7 +365,8 @@ void CKinsortDlg::OnOK() {
 
 bool CKinsortDlg::HasAllCandidates() {
     const ClassificationPlan& plan = m_list.Plan();
-    for (size_t row = 0; row < plan.GetCount(); ++row) {
+    const size_t count = plan.GetCount();
+    for (size_t row = 0; row < count; ++row) {
         if (!plan[row].arrCandidates.empty()) continue;
         SelectRow(row);
         EnsureVisible(row);

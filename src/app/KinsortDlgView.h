@@ -62,7 +62,8 @@ class KinsortDlgView {
     // program's window, or kNoWindow), and handles events until EndDialog was called and the event that called it has
     // been worked off. Returns EndDialog's result. Called once; `events` outlives the call.
     virtual int DoModal(WindowHandle parent, KinsortDlgEvents& events) = 0;
-    // Hides the window. It and its controls stay in existence, and it owns other windows, as long as the view lives.
+    // Hides the window. From now on nothing is reported any more, and other programs do not find the window. It and its
+    // controls stay in existence, and it owns other windows, as long as the view lives.
     virtual void EndDialog(int result) = 0;
     // Runs `work` from the loop, after what is being worked off now and, when the window is about to be shown, after
     // that.
