@@ -3,8 +3,8 @@
 #include <gmock/gmock.h>
 
 #include "cli/CliFixture_test.h"
-#include "cli/FileUri.h"
 #include "cli/Texts.h"
+#include "text/FileUri.h"
 
 namespace kinsort {
 namespace {

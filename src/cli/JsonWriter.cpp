@@ -5,7 +5,7 @@
 #include <cstdio>
 #include <string>
 
-#include "cli/FileUri.h"
+#include "text/FileUri.h"
 #include "text/Utf8.h"
 
 namespace kinsort {

@@ -22,6 +22,12 @@ enum class ProcessTie : uint8_t {
     kFree,  // its own session: goes on whatever becomes of us
 };
 
+// Where the new process writes to.
+enum class ProcessOutput : uint8_t {
+    kMessages,  // where our messages go
+    kNowhere,
+};
+
 struct ProcessRequest {
     // A path in the inner form, relative ones counting from our current folder; a name without a separator is looked
     // up in the user's program folders.
@@ -34,6 +40,7 @@ struct ProcessRequest {
     ProcessTie tie = ProcessTie::kOurs;
     // Variables, name and value, on top of the user's environment or in place of what it has.
     std::vector<std::pair<std::u16string, std::u16string>> variables = {};
+    ProcessOutput output = ProcessOutput::kMessages;
 };
 
 // A process that was started. Letting go of it neither ends the process nor leaves anything behind when it ends. Used
@@ -63,9 +70,8 @@ class Processes {
     virtual ~Processes() = default;
 
     // The program runs with the user's environment, default signal handling and no file of ours open: its input is
-    // empty, its output goes where our messages go. Failures name the program, or the start folder when that is what
-    // is missing. kNotFound, kAccessDenied; kUnsupported for a file that is no program. May be called from several
-    // threads.
+    // empty. Failures name the program, or the start folder when that is what is missing. kNotFound, kAccessDenied;
+    // kUnsupported for a file that is no program. May be called from several threads.
     virtual Result<std::unique_ptr<Process>> Start(const ProcessRequest& request) = 0;
 };
 

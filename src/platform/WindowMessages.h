@@ -58,6 +58,9 @@ class WindowMessages {
     // A descriptor that becomes readable when there is something to dispatch; nobody reads from it. Valid as long as
     // this object; -1 when nothing ever comes.
     virtual int EventDescriptor() const = 0;
+    // For a program without an event loop: blocks until there is something to dispatch, at most so long. False when
+    // there is not.
+    virtual bool WaitForEvents(int32_t milliseconds) = 0;
     // Hands on what has arrived, without waiting for more. A handler may call anything here, Dispatch() too, and may
     // take its window off.
     virtual void Dispatch() = 0;

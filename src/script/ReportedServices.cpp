@@ -183,6 +183,7 @@ class ReportedWindows final : public WindowMessages {
         return inner_.RegisterTopLevel(name, handler);
     }
     int EventDescriptor() const override { return inner_.EventDescriptor(); }
+    bool WaitForEvents(int32_t milliseconds) override { return inner_.WaitForEvents(milliseconds); }
     void Dispatch() override { inner_.Dispatch(); }
     // A dry run shows what the host would get even where none runs.
     WindowHandle FindTopLevel(std::u16string_view className) override {

@@ -42,6 +42,7 @@ class RecordingWindowMessages final : public WindowMessages {
         return std::unique_ptr<TopLevelWindow>(std::make_unique<Registered>(*this, handle));
     }
     int EventDescriptor() const override { return -1; }
+    bool WaitForEvents(int32_t) override { return !posted_.empty(); }
     void Dispatch() override {
         for (size_t count = posted_.size(); count > 0 && !posted_.empty(); --count) {
             const SentMessage message = std::move(posted_.front());

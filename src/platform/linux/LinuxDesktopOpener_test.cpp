@@ -7,6 +7,7 @@
 #include <sys/stat.h>
 
 #include "platform/fake/ScriptedProcesses.h"
+#include "platform/linux/LinuxFileManager.h"
 #include "platform/linux/LinuxFileSystem.h"
 #include "platform/linux/LinuxPathCodec.h"
 #include "platform/linux/LinuxProcesses.h"
@@ -131,6 +132,32 @@ TEST_F(LinuxDesktopOpenerTest, WaitingTellsWhetherTheDesktopTookIt) {
     const Status status = opener_->Open(request);
     EXPECT_EQ(status.code(), StatusCode::kUnsupported);
     EXPECT_EQ(status.path(), At("three"));
+}
+
+TEST_F(LinuxDesktopOpenerTest, PlacesAreShownByTheFileManagerOrElseOpened) {
+    Write("a,b \xFF'.txt", "", 0644);
+    const std::unique_ptr<FileManager> manager = MakeLinuxFileManager(processes_, *opener_, *files_, *codec_);
+    EXPECT_TRUE(manager->ShowFile(At("a,b \xFF'.txt")).ok());
+    EXPECT_TRUE(manager->ShowFolder(At("sub")).ok());
+    ASSERT_EQ(processes_.started.size(), 2u);
+    const std::u16string base = u"array:string:file://" + FromUtf8(folder_.path());
+    const std::vector<std::u16string>& shown = processes_.started[0].arguments;
+    EXPECT_EQ(std::vector(shown.end() - 3, shown.end()),
+              (std::vector<std::u16string>{u"org.freedesktop.FileManager1.ShowItems", base + u"/a%2Cb%20%FF%27.txt",
+                                           u"string:"}));
+    EXPECT_EQ(*(processes_.started[1].arguments.end() - 2), base + u"/sub");
+
+    const ScriptedRun nobody{.start = {}, .exitCode = 1, .terminate = {}};
+    const ScriptedRun missing{.start = Status::Failure(StatusCode::kNotFound), .terminate = {}};
+    processes_.started.clear();
+    processes_.runs = {nobody, {}, missing, {}};
+    EXPECT_TRUE(manager->ShowFile(At("sub/../photo.jpg")).ok());
+    EXPECT_TRUE(manager->ShowFolder(At("sub")).ok());
+    ASSERT_EQ(processes_.started.size(), 4u);
+    EXPECT_THAT(processes_.started[1].arguments, ElementsAre(At("")));
+    EXPECT_THAT(processes_.started[3].arguments, ElementsAre(At("sub")));
+    EXPECT_EQ(manager->ShowFolder(At("gone")).code(), StatusCode::kNotFound);
+    EXPECT_EQ(processes_.started.size(), 4u);
 }
 
 }  // namespace

@@ -127,10 +127,10 @@ class SpawnPlan {
         posix_spawnattr_destroy(&attributes_);
     }
 
-    void Fill(int startFolder, ProcessTie tie) {
+    void Fill(int startFolder, ProcessTie tie, ProcessOutput output) {
         if (startFolder >= 0) posix_spawn_file_actions_addfchdir_np(&actions_, startFolder);
         posix_spawn_file_actions_addopen(&actions_, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
-        if (fcntl(STDERR_FILENO, F_GETFD) < 0) {
+        if (output == ProcessOutput::kNowhere || fcntl(STDERR_FILENO, F_GETFD) < 0) {
             posix_spawn_file_actions_addopen(&actions_, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
         }
         posix_spawn_file_actions_adddup2(&actions_, STDERR_FILENO, STDOUT_FILENO);
@@ -204,7 +204,7 @@ class LinuxProcesses final : public Processes {
         const std::vector<char*> variablePointers = PointersTo(variables);
 
         SpawnPlan plan;
-        plan.Fill(folder->get(), request.tie);
+        plan.Fill(folder->get(), request.tie, request.output);
         pid_t id = 0;
         const int error = posix_spawnp(&id, program->c_str(), plan.actions(), plan.attributes(), pointers.data(),
                                        variablePointers.data());

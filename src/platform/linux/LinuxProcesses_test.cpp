@@ -148,6 +148,9 @@ TEST_F(LinuxProcessesTest, NothingOfOursIsHandedOn) {
     EXPECT_EQ(Run(Shell(u"for f in /proc/$$/fd/*; do case ${f##*/} in ?) ;; *) exit 1;; esac; done")), 0u);
     EXPECT_EQ(Run(Shell(u"test -e /proc/$$/fd/2 -a ! -e /proc/$$/fd/150")), 0u);
     EXPECT_EQ(Run(Shell(u"read line")), 1u);  // no input, not ours
+    ProcessRequest silent = Shell(u"test /dev/fd/1 -ef /dev/null -a /dev/fd/2 -ef /dev/null");
+    silent.output = ProcessOutput::kNowhere;
+    EXPECT_EQ(Run(silent), 0u);
     EXPECT_EQ(Run(Shell(u"kill -TERM $$")), 128u + SIGTERM);
     EXPECT_EQ(Run(Shell(u"kill -USR1 $$")), 128u + SIGUSR1);
 

@@ -71,6 +71,10 @@ class LinuxWindowMessages final : public WindowMessages {
     Result<std::unique_ptr<TopLevelWindow>> RegisterTopLevel(std::u16string_view className,
                                                              MessageHandler& handler) override;
     int EventDescriptor() const override { return all_.get(); }
+    bool WaitForEvents(int32_t milliseconds) override {
+        pollfd wait = {all_.get(), POLLIN, 0};
+        return poll(&wait, 1, milliseconds) > 0;
+    }
     void Dispatch() override;
 
     WindowHandle FindTopLevel(std::u16string_view className) override;

@@ -1,4 +1,4 @@
-#include "cli/FileUri.h"
+#include "text/FileUri.h"
 
 namespace kinsort {
 namespace {
