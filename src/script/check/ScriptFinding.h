@@ -1,0 +1,42 @@
+// One thing that is wrong with a script, and where.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace kinsort {
+
+struct ScriptLine;
+
+struct ScriptFinding {
+    int32_t line = 0;       // from 1
+    size_t column = 0;      // from 1, in UTF-16 units of the line
+    size_t length = 0;      // of what is meant, in the same units; 0 at the end of a line
+    std::string_view rule;  // a short name that stays the same: "unknown-name"
+    std::u16string message;
+    std::u16string text;  // the line as it stands in the file
+};
+
+// Findings as they are made.
+class FindingList {
+  public:
+    // `part` is a piece of line.text.
+    void Add(const ScriptLine& line, std::u16string_view part, std::string_view rule, std::u16string message);
+    void Add(ScriptFinding finding) { findings_.push_back(std::move(finding)); }
+
+    // By line and column; the list is empty afterwards.
+    std::vector<ScriptFinding> Take();
+
+  private:
+    std::vector<ScriptFinding> findings_;
+};
+
+// The texts in quotation marks, for messages.
+std::u16string Quoted(std::u16string_view text);
+// "line 12".
+std::u16string LineName(int32_t number);
+
+}  // namespace kinsort
