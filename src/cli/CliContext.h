@@ -21,6 +21,7 @@
 namespace kinsort {
 
 struct HostServices;
+struct ScriptBackend;
 
 // All references outlive the run. What costs time is made only when a verb needs it.
 struct CliServices {
@@ -34,6 +35,8 @@ struct CliServices {
     // The items that the host selected, inner form; nothing when no host started the program.
     std::function<std::optional<std::vector<std::u16string>>()> handedOverItems;
     std::function<HostServices&()> host;
+    // What scripts need besides.
+    std::function<const ScriptBackend&()> script;
 };
 
 class CliContext {

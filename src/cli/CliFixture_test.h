@@ -7,16 +7,22 @@
 
 #include "cli/CliContext.h"
 #include "cli/HostServices.h"
+#include "cli/ScriptBackend.h"
 #include "platform/fake/FakeEnvironment.h"
 #include "platform/fake/FakeSharedMemory.h"
 #include "platform/fake/FakeUserAccount.h"
 #include "platform/fake/ManualClock.h"
+#include "platform/fake/ManualSleeper.h"
 #include "platform/fake/MemoryFileSystem.h"
 #include "platform/fake/MemoryRegistry.h"
+#include "platform/fake/RecordingOpener.h"
+#include "platform/fake/RecordingWindowMessages.h"
 #include "platform/fake/ScriptedProcesses.h"
+#include "platform/linux/IcuCodePages.h"
 #include "platform/linux/IcuLocaleMap.h"
 #include "platform/linux/LinuxPathCodec.h"
 #include "platform/linux/LinuxSys.h"
+#include "platform/linux/LinuxSystemInfo.h"
 
 namespace kinsort {
 
@@ -71,7 +77,14 @@ struct CliFixture {
     VelFolders folders{{settings, files, account, variables, *codec}, u"Z:\\usr\\lib\\vel\\command\\Default\\Kinsort"};
     FakeSharedMemory sharedMemory;
     ScriptedProcesses processes;
-    HostServices host{registry, settings, folders, sharedMemory, processes};
+    RecordingOpener opener;
+    RecordingWindowMessages windows;
+    std::unique_ptr<CodePages> codePages = MakeIcuCodePages();
+    std::unique_ptr<SystemInfo> system = MakeLinuxSystemInfo();
+    std::unique_ptr<LocaleMap> locale = MakeIcuLocaleMap();
+    ManualSleeper sleeper{clock};
+    ScriptBackend scripts{processes, opener, windows, variables, *codePages, *system, *locale, sleeper};
+    HostServices host{registry, settings, folders, sharedMemory, processes, "/usr/bin/kinsort"};
     CliServices services{files,
                          *codec,
                          *sys,
@@ -80,7 +93,8 @@ struct CliFixture {
                          [this](const char* name) { return environment[name]; },
                          MakeIcuLocaleMap,
                          [this] { return handedOver; },
-                         [this]() -> HostServices& { return host; }};
+                         [this]() -> HostServices& { return host; },
+                         [this]() -> const ScriptBackend& { return scripts; }};
 };
 
 }  // namespace kinsort

@@ -6,6 +6,8 @@
 #include <algorithm>
 #include <charconv>
 
+#include "cli/Integration.h"
+
 namespace kinsort {
 namespace {
 
@@ -40,6 +42,7 @@ bool IsChoice(std::string_view choices, std::string_view value) {
 std::string CheckValue(const OptionSpec& spec, const std::string& value) {
     switch (spec.kind) {
         case ValueKind::kNone:
+        case ValueKind::kText:
             return {};
         case ValueKind::kFolder:
         case ValueKind::kFile:
@@ -86,6 +89,12 @@ std::string CheckOperands(const CommandLine& line) {
             return count <= 1 ? "" : "takes one name";
         case OperandKind::kAction:
             return CheckAction(line);
+        case OperandKind::kIntegrations:
+            for (const std::string& name : line.operands) {
+                if (!IsIntegration(name))
+                    return "takes " + ListOfChoices(IntegrationNames("|")) + ", not '" + name + "'";
+            }
+            return {};
     }
     return {};
 }
@@ -162,6 +171,7 @@ std::string CheckTogether(const CommandLine& line) {
     if (countOf({OptionId::kFinish, OptionId::kUndo, OptionId::kLeave}) > 1) {
         return "choose one of --finish, --undo and --leave";
     }
+    if (countOf({OptionId::kYes, OptionId::kNo}) > 1) return "choose one of --yes and --no";
     return {};
 }
 

@@ -1,5 +1,6 @@
 // The completion scripts of three shells, from the verb and option tables.
 #include "cli/HelpTexts.h"
+#include "cli/Integration.h"
 
 namespace kinsort {
 namespace {
@@ -61,7 +62,7 @@ std::string BashScript() {
         script += ")\n        ";
         if (option.kind == ValueKind::kChoice) {
             script += "mapfile -t COMPREPLY < <(compgen -W '" + Words(option.value) + "' -- \"$current\")\n        ";
-        } else if (option.kind != ValueKind::kNumber) {
+        } else if (option.kind == ValueKind::kFolder || option.kind == ValueKind::kFile) {
             script += "mapfile -t COMPREPLY < <(compgen -" +
                       std::string(option.kind == ValueKind::kFolder ? "d" : "f") + " -- \"$current\")\n        ";
         }
@@ -75,6 +76,10 @@ std::string BashScript() {
             words += " --" + std::string(SpecOf(id).name);
         script += "    " + std::string(verb.name) + ")\n        if [[ $current == -* ]]; then\n" +
                   "            mapfile -t COMPREPLY < <(compgen -W '" + words.substr(1) + "' -- \"$current\")\n";
+        if (verb.operand == OperandKind::kIntegrations) {
+            script += "        else\n            mapfile -t COMPREPLY < <(compgen -W '" + IntegrationNames(" ") +
+                      "' -- \"$current\")\n";
+        }
         if (verb.operand == OperandKind::kItems) {
             script += "        else\n            mapfile -t COMPREPLY < <(compgen -f -- \"$current\")\n";
         } else if (verb.operand == OperandKind::kAction) {
@@ -114,6 +119,9 @@ std::string ZshOption(const OptionSpec& option) {
         case ValueKind::kNumber:
             action = ":number:";
             break;
+        case ValueKind::kText:
+            action = ":text:";
+            break;
         case ValueKind::kChoice:
             action = ":choice:(" + Words(option.value) + ")";
             break;
@@ -140,6 +148,8 @@ std::string ZshScript() {
         for (const OptionId id : verb.options)
             script += " \\\n            " + ZshOption(SpecOf(id));
         if (verb.operand == OperandKind::kItems) script += " \\\n            '*:item:_files'";
+        if (verb.operand == OperandKind::kIntegrations)
+            script += " \\\n            '*:name:(" + IntegrationNames(" ") + ")'";
         if (verb.operand == OperandKind::kVerb) script += " \\\n            '1:command:(" + VisibleVerbs() + ")'";
         if (verb.operand == OperandKind::kShell) script += " \\\n            '1:shell:(bash zsh fish)'";
         if (verb.operand == OperandKind::kAction) {
@@ -160,6 +170,7 @@ std::string FishScript() {
         const std::string prefix = "complete -c kinsort -n '__fish_seen_subcommand_from " + name + "'";
         if (verb.operand != OperandKind::kItems) script += prefix + " -f\n";
         if (verb.operand == OperandKind::kVerb) script += prefix + " -a '" + VisibleVerbs() + "'\n";
+        if (verb.operand == OperandKind::kIntegrations) script += prefix + " -a '" + IntegrationNames(" ") + "'\n";
         if (verb.operand == OperandKind::kShell) script += prefix + " -a 'bash zsh fish'\n";
         if (verb.operand == OperandKind::kAction) {
             const std::string actions = ActionNames(verb, " ");
@@ -177,7 +188,7 @@ std::string FishScript() {
             if (option.letter != 0) script += std::string(" -s ") + option.letter;
             if (option.kind == ValueKind::kFolder) script += " -x -a '(__fish_complete_directories)'";
             if (option.kind == ValueKind::kFile) script += " -r -F";
-            if (option.kind == ValueKind::kNumber) script += " -x";
+            if (option.kind == ValueKind::kNumber || option.kind == ValueKind::kText) script += " -x";
             if (option.kind == ValueKind::kChoice) script += " -x -a '" + Words(option.value) + "'";
             script += " -d " + Quoted(option.help) + "\n";
         }

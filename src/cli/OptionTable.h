@@ -26,13 +26,22 @@ enum class OptionId : uint8_t {
     kLeave,
     kType,
     kNoWait,
+    kRemove,
+    kNotify,
+    kSelect,
+    kCwd,
+    kOther,
+    kSet,
+    kYes,
+    kNo,
+    kTrace,
     kJson,
     kQuiet,
     kHelp,
     kCount,
 };
 
-enum class ValueKind : uint8_t { kNone, kFolder, kFile, kNumber, kChoice };
+enum class ValueKind : uint8_t { kNone, kFolder, kFile, kNumber, kChoice, kText };
 
 struct OptionSpec {
     OptionId id;
@@ -56,7 +65,7 @@ inline constexpr std::array<OptionSpec, static_cast<size_t>(OptionId::kCount)> k
     {OptionId::kOnConflict, "on-conflict", 0, ValueKind::kChoice, "ask|skip|replace|keep-both", 0,
      "What to do when the name is taken in the target folder. The default is ask; without a terminal to ask on, it "
      "skips. A replaced file is kept for undo."},
-    {OptionId::kDryRun, "dry-run", 'n', ValueKind::kNone, "", 0, "Show the plan and change nothing."},
+    {OptionId::kDryRun, "dry-run", 'n', ValueKind::kNone, "", 0, "Show what would be done and change nothing."},
     {OptionId::kFilesFrom, "files-from", 'f', ValueKind::kFile, "FILE", 0,
      "Read more items from FILE, or from standard input when FILE is -. One item a line, or, when the file holds a NUL "
      "byte, each ended by NUL."},
@@ -76,6 +85,20 @@ inline constexpr std::array<OptionSpec, static_cast<size_t>(OptionId::kCount)> k
      "hexadecimal digits."},
     {OptionId::kNoWait, "no-wait", 0, ValueKind::kNone, "", 0,
      "Return as soon as the dialog has taken the items over, not when it is closed."},
+    {OptionId::kSelect, "select", 0, ValueKind::kFile, "ITEM", 0,
+     "An item that the script works on; can be given several times.", true},
+    {OptionId::kCwd, "cwd", 0, ValueKind::kFolder, "DIR", 0,
+     "The script's current folder. The default is the one you are in."},
+    {OptionId::kOther, "other", 0, ValueKind::kFolder, "DIR", 0, "The folder of the host's other pane."},
+    {OptionId::kSet, "set", 0, ValueKind::kText, "NAME=VALUE", 0,
+     "Declare a variable of the script; can be given several times.", true},
+    {OptionId::kYes, "yes", 'y', ValueKind::kNone, "", 0, "Answer every question with Yes, OK or the first choice."},
+    {OptionId::kNo, "no", 0, ValueKind::kNone, "", 0, "Answer every question with No or Cancel."},
+    {OptionId::kTrace, "trace", 0, ValueKind::kNone, "", 0,
+     "Print each line that is run to standard error, with its number and with its variables filled in."},
+    {OptionId::kRemove, "remove", 0, ValueKind::kNone, "", 0, "Take away what was integrated, and nothing else."},
+    {OptionId::kNotify, "notify", 0, ValueKind::kNone, "", 0,
+     "Say what became of it in a notification of the desktop, too."},
     {OptionId::kJson, "json", 0, ValueKind::kNone, "", 0, "Print JSON for programs instead of text for people."},
     {OptionId::kQuiet, "quiet", 'q', ValueKind::kNone, "", 0,
      "Print results and failures only: no progress, no advice."},

@@ -12,10 +12,12 @@ constexpr OptionId kPlanOptions[] = {kTo, kFilesFrom, kScores, kMinScore, kThrea
 constexpr OptionId kSortOptions[] = {kTo,       kCopy,    kMove,       kOnConflict, kDryRun, kFilesFrom, kScores,
                                      kMinScore, kThreads, kDurability, kJson,       kQuiet,  kHelp};
 constexpr OptionId kOpenOptions[] = {kTo, kOtherTab, kCopy, kMove, kFilesFrom, kNoWait, kQuiet, kHelp};
-constexpr OptionId kUndoOptions[] = {kJson, kQuiet, kHelp};
+constexpr OptionId kUndoOptions[] = {kNotify, kJson, kQuiet, kHelp};
 constexpr OptionId kHistoryOptions[] = {kJson, kHelp};
 constexpr OptionId kRecoverOptions[] = {kFinish, kUndo, kLeave, kJson, kQuiet, kHelp};
 constexpr OptionId kSettingsOptions[] = {kType, kJson, kQuiet, kHelp};
+constexpr OptionId kScriptOptions[] = {kSelect, kCwd, kOther, kSet, kYes, kNo, kTrace, kDryRun, kHelp};
+constexpr OptionId kIntegrateOptions[] = {kRemove, kDryRun, kQuiet, kHelp};
 constexpr OptionId kHelpOptions[] = {kHelp};
 
 constexpr ActionSpec kSettingsActions[] = {
@@ -27,6 +29,10 @@ constexpr ActionSpec kSettingsActions[] = {
     {"import", "FILE", 1, 1, true,
      "Take over all values from what export has printed, or none when something is wrong with it; - reads standard "
      "input."},
+};
+
+constexpr ActionSpec kScriptActions[] = {
+    {"run", "FILE", 1, 1, true, "Run the script, as the dialog runs the entries of its folder menu."},
 };
 
 constexpr std::array kVerbs = {
@@ -91,6 +97,22 @@ constexpr std::array kVerbs = {
         "Any other value is named by its full path, for example Software/TEV_Soft/Vel/Main001/Settings/NLS; the "
         "names of a path are separated by backslashes, or by slashes when there is no backslash.",
         kSettingsOptions, RunSettings, false, kSettingsActions},
+    VerbSpec{"script", OperandKind::kAction, "Run a script of the ExCommand language",
+             "Scripts are text files in UTF-16. Their messages and questions appear on the terminal; where nobody can "
+             "be asked, a question counts as cancelled, unless --yes or --no says more. --dry-run works everything "
+             "out, but prints what the script would write, start, send or store instead of doing it. Ctrl-C stops the "
+             "script before its next line.\n\n"
+             "The exit code is 0 when the script came to its end or ended itself, 1 when an error, a limit, a No or "
+             "Ctrl-C ended it, 2 when the command line makes no sense and 3 when the script cannot be read.",
+             kScriptOptions, RunScriptVerb, false, kScriptActions},
+    VerbSpec{"integrate", OperandKind::kIntegrations, "Put Kinsort into the menus of the desktop and its file managers",
+             "NAME is menu (the menu of programs, with an action that undoes the last sorting), kde (service menu), "
+             "nemo (action), nautilus, caja (script) or thunar (custom action). Without a name, menu and the file "
+             "managers that are installed here are integrated; with --remove, all of them are cleaned.\n\n"
+             "Only files of your own are written, below ~/.local/share and ~/.config. What others have written stays: "
+             "a list that is shared keeps its other entries, and a file that is not Kinsort's is named and left alone. "
+             "Do it again when the program has moved.",
+             kIntegrateOptions, RunIntegrate, false},
     VerbSpec{"help", OperandKind::kVerb, "Show the help of a command", "Without a command, shows the list of commands.",
              kHelpOptions, RunHelp, false},
     VerbSpec{"completion", OperandKind::kShell, "Print the completion script for bash, zsh or fish",
@@ -139,6 +161,8 @@ std::string OperandText(const VerbSpec& verb) {
             return "SHELL";
         case OperandKind::kAction:
             return "ACTION [ARGUMENT...]";
+        case OperandKind::kIntegrations:
+            return "[NAME...]";
     }
     return "";
 }

@@ -16,7 +16,7 @@ class CliContext;
 struct CommandLine;
 
 // kAction: the first operand is one of the verb's actions, which say what follows it.
-enum class OperandKind : uint8_t { kNone, kItems, kBatch, kVerb, kShell, kAction };
+enum class OperandKind : uint8_t { kNone, kItems, kBatch, kVerb, kShell, kAction, kIntegrations };
 
 // What a verb like "settings" can do: "kinsort settings get NAME".
 struct ActionSpec {
@@ -62,6 +62,8 @@ ExitCode RunRedo(CliContext& context, const CommandLine& line);
 ExitCode RunHistory(CliContext& context, const CommandLine& line);
 ExitCode RunRecover(CliContext& context, const CommandLine& line);
 ExitCode RunOpen(CliContext& context, const CommandLine& line);
+ExitCode RunScriptVerb(CliContext& context, const CommandLine& line);
+ExitCode RunIntegrate(CliContext& context, const CommandLine& line);
 ExitCode RunSettings(CliContext& context, const CommandLine& line);
 ExitCode RunHelp(CliContext& context, const CommandLine& line);
 ExitCode RunCompletion(CliContext& context, const CommandLine& line);

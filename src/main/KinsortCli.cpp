@@ -6,6 +6,7 @@
 #include "cli/CliContext.h"
 #include "hostlink/HostHandOff.h"
 #include "main/HostBackend.h"
+#include "main/ScriptPlatform.h"
 #include "platform/linux/IcuLocaleMap.h"
 #include "platform/linux/LinuxClock.h"
 #include "platform/linux/LinuxEnvironment.h"
@@ -37,6 +38,7 @@ std::optional<std::vector<std::u16string>> ReadHandedOverItems(kinsort::Terminal
 int main(int argc, char** argv) {
     std::setlocale(LC_CTYPE, "");  // the language of the system's own texts
     std::setlocale(LC_MESSAGES, "");
+    std::setlocale(LC_TIME, "");  // names of weekdays in scripts
     kinsort::PrepareLinuxProcess();
     const auto terminal = kinsort::MakeLinuxTerminal();
     const auto codec = kinsort::MakeLinuxPathCodec(kinsort::DrivesFolderOfThisUser());
@@ -44,6 +46,11 @@ int main(int argc, char** argv) {
     const auto sys = kinsort::MakeLinuxSys();
     const auto clock = kinsort::MakeLinuxClock();
     std::unique_ptr<kinsort::HostBackend> host;
+    const auto hostServices = [&]() -> kinsort::HostServices& {
+        if (!host) host = std::make_unique<kinsort::HostBackend>(*codec, *files, *terminal);
+        return host->Services();
+    };
+    std::unique_ptr<kinsort::ScriptPlatform> scripts;
     kinsort::CliServices services{
         .files = *files,
         .codec = *codec,
@@ -57,9 +64,10 @@ int main(int argc, char** argv) {
             },
         .makeLocaleMap = kinsort::MakeIcuLocaleMap,
         .handedOverItems = [&terminal] { return ReadHandedOverItems(*terminal); },
-        .host = [&]() -> kinsort::HostServices& {
-            if (!host) host = std::make_unique<kinsort::HostBackend>(*codec, *files, *terminal);
-            return host->Services();
+        .host = hostServices,
+        .script = [&]() -> const kinsort::ScriptBackend& {
+            if (!scripts) scripts = std::make_unique<kinsort::ScriptPlatform>(*codec, *files, hostServices());
+            return scripts->Backend();
         },
     };
     return kinsort::RunKinsort(services, std::vector<std::string>(argv + (argc > 0 ? 1 : 0), argv + argc));
