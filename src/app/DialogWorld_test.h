@@ -127,30 +127,17 @@ class RecordingDlgView final : public KinsortDlgView, private CmdListView, priva
 };
 
 // The scripted user, with what concerns the order of things in the same log as the view.
-class LoggedUserInterface final : public UserInterface {
+class LoggedUserInterface final : public ScriptedUserInterface {
   public:
     explicit LoggedUserInterface(CallLog& log) : calls(log) {}
 
     MessageAnswer ShowMessage(const MessageRequest& request) override {
         calls.push_back("says " + ToUtf8(request.text));
-        return user.ShowMessage(request);
+        return ScriptedUserInterface::ShowMessage(request);
     }
-    std::optional<size_t> ChooseOne(const ChoiceRequest& request) override { return user.ChooseOne(request); }
-    std::optional<std::u16string> BrowseForFolder(const FolderRequest& request) override {
-        return user.BrowseForFolder(request);
-    }
-    std::u16string GetClipboardText() override { return user.GetClipboardText(); }
-    void SetClipboardText(std::u16string_view text) override { user.SetClipboardText(text); }
-    bool IsKeyDown(ModifierKey key) override { return user.IsKeyDown(key); }
-    WindowHandle MainWindow() override { return user.MainWindow(); }
     void BringToForeground(WindowHandle window) override { calls.push_back("front " + std::to_string(window)); }
-    std::optional<ScreenRectangle> WindowRectangle(WindowHandle window) override {
-        return user.WindowRectangle(window);
-    }
-    std::optional<ScreenRectangle> WorkArea(WindowHandle window) override { return user.WorkArea(window); }
 
     CallLog& calls;
-    ScriptedUserInterface user;
 };
 
 class RecordingRunner final : public OperationRunner {

@@ -38,9 +38,9 @@ class KinsortDlgTest : public testing::Test, protected DialogWorld {
     // What was said since the last call, in boxes.
     std::vector<std::u16string> Said() {
         std::vector<std::u16string> texts;
-        for (const MessageRequest& request : ui.user.messages)
+        for (const MessageRequest& request : ui.messages)
             texts.push_back(request.text);
-        ui.user.messages.clear();
+        ui.messages.clear();
         return texts;
     }
 
@@ -49,8 +49,8 @@ class KinsortDlgTest : public testing::Test, protected DialogWorld {
 
 TEST_F(KinsortDlgTest, ComesUpInThisOrder) {
     ShowHost();
-    ui.user.windowRectangles = {{kHost, {100, 100, 900, 700}}, {RecordingDlgView::kHandle, {0, 0, 400, 300}}};
-    ui.user.workArea = ScreenRectangle{0, 0, 1000, 800};
+    ui.windowRectangles = {{kHost, {100, 100, 900, 700}}, {RecordingDlgView::kHandle, {0, 0, 400, 300}}};
+    ui.workArea = ScreenRectangle{0, 0, 1000, 800};
     handOff.SharedHandOff = 1;
     handOff.SelectedItems = {u"Z:\\from\\report.txt", u"Z:\\from\\zz"};
     settings.WriteCommandDword(kConfirmName, 0);
@@ -106,8 +106,8 @@ TEST_F(KinsortDlgTest, StandsOverTheMiddleOfTheHostInsideOfTheWorkArea) {
     ShowHost();
     for (const auto& one : cases) {
         SCOPED_TRACE(one.what);
-        ui.user.windowRectangles = {{kHost, one.host}, {RecordingDlgView::kHandle, one.own}};
-        ui.user.workArea = one.work;
+        ui.windowRectangles = {{kHost, one.host}, {RecordingDlgView::kHandle, one.own}};
+        ui.workArea = one.work;
         calls.clear();
         dialog.OnInitDialog();
         EXPECT_EQ(calls.front(), one.move);
@@ -116,7 +116,7 @@ TEST_F(KinsortDlgTest, StandsOverTheMiddleOfTheHostInsideOfTheWorkArea) {
     calls.clear();
     dialog.OnInitDialog();
     handOff.ShowMode = 0;
-    ui.user.workArea.reset();
+    ui.workArea.reset();
     dialog.OnInitDialog();
     windows.windows.clear();
     dialog.OnInitDialog();
@@ -150,12 +150,12 @@ TEST_F(KinsortDlgTest, ShowsItselfAsTheHostWishes) {
 TEST_F(KinsortDlgTest, WaitsBehindTheHostWhileShiftOrControlIsHeld) {
     const CallLog waits = {"no timer 1000", "timer 1000 50"};
     for (const ModifierKey key : {ModifierKey::kShift, ModifierKey::kControl}) {
-        ui.user.keysDown = {key};
+        ui.keysDown = {key};
         calls.clear();
         dialog.OnTimer(CKinsortDlg::kForegroundTimer);
         EXPECT_EQ(calls, waits);
     }
-    ui.user.keysDown = {ModifierKey::kAlt};
+    ui.keysDown = {ModifierKey::kAlt};
     calls.clear();
     dialog.OnTimer(CKinsortDlg::kForegroundTimer);
     EXPECT_THAT(calls, ElementsAre("no timer 1000", "topmost", "not topmost", "front 77"));
@@ -302,7 +302,7 @@ TEST_F(KinsortDlgTest, ShowsTheRowThatHasNoTarget) {
     calls.clear();
     dialog.OnCommand(kIdOk);
     EXPECT_THAT(calls, ElementsAre("select 1", "show 1", "says No target!", "focus 1200"));
-    EXPECT_EQ(ui.user.messages.back().owner, RecordingDlgView::kHandle);
+    EXPECT_EQ(ui.messages.back().owner, RecordingDlgView::kHandle);
 }
 
 TEST_F(KinsortDlgTest, HandsOverWhatWasChosen) {
@@ -322,7 +322,7 @@ TEST_F(KinsortDlgTest, HandsOverWhatWasChosen) {
         settings.WriteCommandDword(kConfirmName, 7);
         view.SetChecked(kIdMove, one.isMove);
         view.SetChecked(kIdConfirm, one.isConfirm);
-        ui.user.keysDown = one.isShift ? std::set<ModifierKey>{ModifierKey::kShift} : std::set<ModifierKey>{};
+        ui.keysDown = one.isShift ? std::set<ModifierKey>{ModifierKey::kShift} : std::set<ModifierKey>{};
         dialog.OnCommand(kIdOk);
         EXPECT_EQ(runner.flags, one.flags);
         EXPECT_EQ(settings.ReadCommandDword(kConfirmName), one.stored);
@@ -333,22 +333,22 @@ TEST_F(KinsortDlgTest, HandsOverWhatWasChosen) {
     }
     registry.failWrites = Status::Failure(StatusCode::kReadOnly);
     runner.items.clear();
-    ui.user.keysDown.clear();
+    ui.keysDown.clear();
     dialog.OnCommand(kIdOk);
     EXPECT_THAT(runner.items, SizeIs(2)) << "a setting that cannot be stored holds nothing up";
 }
 
 TEST_F(KinsortDlgTest, FindsAFolderByBrowsingAndAmongTheOtherTabs) {
     view.box.Type(u"/sorted");
-    ui.user.folders = {std::nullopt, u"Z:\\home\\me", std::u16string(32'768, u'x')};
+    ui.folders = {std::nullopt, u"Z:\\home\\me", std::u16string(32'768, u'x')};
     dialog.OnCommand(kIdBrowse);
     EXPECT_EQ(dialog.m_strFolder, u"Z:\\sorted");
     dialog.OnCommand(kIdBrowse);
     EXPECT_EQ(view.box.text, u"/home/me");
     dialog.OnCommand(kIdBrowse);
     EXPECT_EQ(dialog.m_strFolder, u"Z:\\home\\me");
-    EXPECT_EQ(ui.user.folderRequests[1].initialFolder, u"Z:\\sorted");
-    EXPECT_EQ(ui.user.folderRequests[1].title, u"m63503");
+    EXPECT_EQ(ui.folderRequests[1].initialFolder, u"Z:\\sorted");
+    EXPECT_EQ(ui.folderRequests[1].title, u"m63503");
 
     dialog.OnCommand(kIdOtherTabs);
     EXPECT_THAT(Said(), ElementsAre(u"m62401m62325"));
@@ -413,9 +413,9 @@ TEST_F(KinsortDlgTest, EveryButtonOfTheTemplateDoesSomething) {
         Drop({u"report"});
         view.selectedRow = 0;
         calls.clear();
-        const size_t asked = ui.user.folderRequests.size();
+        const size_t asked = ui.folderRequests.size();
         dialog.OnCommand(control.id);
-        EXPECT_TRUE(!calls.empty() || ui.user.folderRequests.size() > asked);
+        EXPECT_TRUE(!calls.empty() || ui.folderRequests.size() > asked);
     }
 }
 

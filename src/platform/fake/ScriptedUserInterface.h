@@ -13,7 +13,7 @@
 
 namespace kinsort {
 
-class ScriptedUserInterface final : public UserInterface {
+class ScriptedUserInterface : public UserInterface {
   public:
     // Answers, taken from the front. A box with nothing but an OK button needs none.
     std::deque<MessageAnswer> messageAnswers;
