@@ -100,6 +100,7 @@ class NotingUserInterface final : public UserInterface {
         text += kButtonNames[static_cast<size_t>(request.buttons)];
         text += IconName(request.icon);
         if (request.defaultButton != 0) text += u" default" + FormatInteger(request.defaultButton);
+        if (request.owner != kNoWindow) text += u" over " + FormatInteger(static_cast<int64_t>(request.owner));
         if (!request.title.empty()) text += u" [" + request.title + u"]";
         note_(text + u": " + request.text);
         return inner_.ShowMessage(request);
