@@ -8,7 +8,7 @@
 #include <QFileInfo>
 #include <QGridLayout>
 #include <QGuiApplication>
-#include <QHeaderView>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QPushButton>
 #include <QStyle>
@@ -97,26 +97,38 @@ void AddSide(QGridLayout& grid, int row, const ConflictSideTexts& side) {
     grid.setRowMinimumHeight(row + 3, metrics.height() / 2);
 }
 
-QTreeView* MakeList(SummaryRows& rows, const WindowTexts& texts) {
-    auto* const list = new QTreeView;
-    list->setModel(&rows);
-    list->setRootIsDecorated(false);
-    list->setUniformRowHeights(true);
-    list->setSelectionMode(QAbstractItemView::ExtendedSelection);
-    list->setTextElideMode(Qt::ElideMiddle);
-    const int character = list->fontMetrics().averageCharWidth();
-    list->setColumnWidth(0, kWidthInCharacters * character / 2);
-    list->setMinimumSize(kWidthInCharacters * character, kListLines * list->fontMetrics().lineSpacing());
-    auto* const copy = new QAction(texts.Say(WindowText::kCopyList), list);
-    copy->setShortcut(QKeySequence::Copy);
-    copy->setShortcutContext(Qt::WidgetShortcut);
-    QObject::connect(copy, &QAction::triggered, list, [list, &rows] {
-        QGuiApplication::clipboard()->setText(rows.AsText(list->selectionModel()->selectedRows()));
-    });
-    list->addAction(copy);
-    list->setContextMenuPolicy(Qt::ActionsContextMenu);
-    return list;
-}
+// Ctrl+C and the context menu copy the rows that are selected, or all.
+class SummaryList final : public QTreeView {
+  public:
+    SummaryList(SummaryRows& rows, const WindowTexts& texts) : rows_(rows) {
+        setModel(&rows);
+        setRootIsDecorated(false);
+        setUniformRowHeights(true);
+        setSelectionMode(QAbstractItemView::ExtendedSelection);
+        setTextElideMode(Qt::ElideMiddle);
+        const int character = fontMetrics().averageCharWidth();
+        setColumnWidth(0, kWidthInCharacters * character / 2);
+        setMinimumSize(kWidthInCharacters * character, kListLines * fontMetrics().lineSpacing());
+        auto* const copy = new QAction(texts.Say(WindowText::kCopyList), this);
+        connect(copy, &QAction::triggered, this, [this] { Copy(); });
+        addAction(copy);
+        setContextMenuPolicy(Qt::ActionsContextMenu);
+    }
+
+  protected:
+    void keyPressEvent(QKeyEvent* event) override {
+        if (event->matches(QKeySequence::Copy)) {
+            Copy();
+        } else {
+            QTreeView::keyPressEvent(event);
+        }
+    }
+
+  private:
+    void Copy() { QGuiApplication::clipboard()->setText(rows_.AsText(selectionModel()->selectedRows())); }
+
+    SummaryRows& rows_;
+};
 
 }  // namespace
 
@@ -154,7 +166,7 @@ size_t ShowSummaryIn(QWidget* owner, const OperationSummary& summary, const Wind
     dialog.AddText(summary.headline);
     for (const std::u16string& note : summary.notes)
         dialog.AddText(note);
-    if (!summary.rows.empty()) dialog.Body().addWidget(MakeList(rows, texts), 1);
+    if (!summary.rows.empty()) dialog.Body().addWidget(new SummaryList(rows, texts), 1);
     dialog.setSizeGripEnabled(!summary.rows.empty());
     dialog.AddButtons(summary.buttons, summary.buttons.size() - 1, summary.buttons.size() - 1);
     return dialog.Ask();

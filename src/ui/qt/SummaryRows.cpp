@@ -15,7 +15,7 @@ int SummaryRows::columnCount(const QModelIndex& parent) const {
 }
 
 QVariant SummaryRows::data(const QModelIndex& index, int role) const {
-    if (role != Qt::DisplayRole && role != Qt::ToolTipRole) return {};
+    if (!index.isValid() || (role != Qt::DisplayRole && role != Qt::ToolTipRole)) return {};
     const SummaryRow& row = summary_.rows[static_cast<size_t>(index.row())];
     return ToQString(index.column() == 0 ? row.name : row.reason);
 }
