@@ -74,6 +74,7 @@ const std::u16string& Messages::GetMessageFilePath() {
 }
 
 int Messages::LoadMessageFile() {
+    hasTried_ = true;
     table_.clear();
     const std::u16string path = GetMessageFilePath();
     const Result<std::string> bytes = ReadBytes(files_, ToLongPathForm(path));
@@ -88,9 +89,22 @@ int Messages::LoadMessageFile() {
 }
 
 std::u16string Messages::GetMessageText(uint16_t number) {
-    if (table_.empty()) LoadMessageFile();
-    const auto found = table_.find(number);
-    return found == table_.end() ? std::u16string(kNoMessageText) : found->second;
+    const bool isOwn = number >= kFirstOwnMessage;
+    if (table_.empty() && !(isOwn && hasTried_)) LoadMessageFile();
+    if (const auto found = table_.find(number); found != table_.end()) return found->second;
+    if (isOwn) {
+        if (const auto found = EnglishTable().find(number); found != EnglishTable().end()) return found->second;
+    }
+    return std::u16string(kNoMessageText);
+}
+
+const MessageTable& Messages::EnglishTable() {
+    if (!english_) {
+        const std::u16string path = folders_.GetAppDir() + u"Lang\\Msg.en-US.txt";
+        const Result<std::string> bytes = ReadBytes(files_, ToLongPathForm(path));
+        english_ = bytes.ok() ? ParseMessageFile(*bytes) : MessageTable();
+    }
+    return *english_;
 }
 
 std::u16string Messages::GetMessageText(uint16_t number, std::initializer_list<std::u16string_view> values) {

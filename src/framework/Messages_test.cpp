@@ -112,5 +112,19 @@ TEST_F(MessagesTest, LoadsWithTheFirstText) {
     EXPECT_THAT(ui_.messages, SizeIs(2));
 }
 
+TEST_F(MessagesTest, OurOwnTextsAreThereInEveryLanguage) {
+    files_.SetContent(u"C:\\Vel\\Lang\\Msg.en-US.txt", Bytes(u"63999\thost\r\n64000\town\r\n64001\t%1 items\r\n"));
+    settings_.WriteRegString(kSettingsKey, kLanguageName, u".fr-FR");
+    EXPECT_EQ(messages_.GetMessageText(64000), u"own");
+    EXPECT_EQ(messages_.GetMessageText(64001, {u"2"}), u"2 items");
+    EXPECT_EQ(messages_.GetMessageText(64002), kNoMessageText);
+    EXPECT_THAT(ui_.messages, SizeIs(1)) << "said once";
+    EXPECT_EQ(messages_.GetMessageText(63999), kNoMessageText);
+    files_.SetContent(u"C:\\Vel\\Lang\\Msg.fr-FR.txt", Bytes(u"64000\tpropre\r\n"));
+    EXPECT_EQ(messages_.LoadMessageFile(), 1);
+    EXPECT_EQ(messages_.GetMessageText(64000), u"propre");
+    EXPECT_EQ(messages_.GetMessageText(64001, {u"2"}), u"2 items");
+}
+
 }  // namespace
 }  // namespace kinsort
