@@ -15,6 +15,7 @@
 #include "platform/fake/ManualSleeper.h"
 #include "platform/fake/MemoryFileSystem.h"
 #include "platform/fake/MemoryRegistry.h"
+#include "platform/fake/RecordingFileManager.h"
 #include "platform/fake/RecordingOpener.h"
 #include "platform/fake/RecordingWindowMessages.h"
 #include "platform/fake/ScriptedProcesses.h"
@@ -83,7 +84,8 @@ struct CliFixture {
     std::unique_ptr<SystemInfo> system = MakeLinuxSystemInfo();
     std::unique_ptr<LocaleMap> locale = MakeIcuLocaleMap();
     ManualSleeper sleeper{clock};
-    ScriptBackend scripts{processes, opener, windows, variables, *codePages, *system, *locale, sleeper};
+    RecordingFileManager fileManager;
+    ScriptBackend scripts{processes, opener, windows, variables, *codePages, *system, *locale, sleeper, fileManager};
     HostServices host{registry, settings, folders, sharedMemory, processes, "/usr/bin/kinsort"};
     CliServices services{files,
                          *codec,

@@ -18,6 +18,7 @@ struct HostServices {
     VelFolders& folders;  // as the command "Kinsort" of this installation sees them
     SharedMemory& memory;
     Processes& processes;
+    std::string executable;  // stored path of this program
 };
 
 }  // namespace kinsort

@@ -30,6 +30,6 @@ HostBackend::HostBackend(const PathCodec& codec, FileSystem& files, Terminal& te
       settings_(*registry_, kCommandName),
       folders_({settings_, files, *account_, environment_, codec},
                FindCommandProgram(files, codec.PathToInner(ExecutableFile()), kCommandName)),
-      services_{*registry_, settings_, folders_, memory_, *processes_} {}
+      services_{*registry_, settings_, folders_, memory_, *processes_, ExecutableFile()} {}
 
 }  // namespace kinsort

@@ -9,6 +9,7 @@
 #include "cli/ShownText.h"
 #include "cli/SortingPlan.h"
 #include "cli/Texts.h"
+#include "cli/UserLanguage.h"
 #include "framework/Paths.h"
 #include "hostlink/HandOffWriter.h"
 #include "hostlink/LaunchDescriptor.h"
@@ -39,12 +40,8 @@ bool HasDisplay(const CliServices& services) {
 void ChooseLanguageOnce(CliContext& context) {
     HostServices& host = context.services.host();
     if (host.registry.QueryValue(kSettingsKey, kLanguageName).code() != StatusCode::kNotFound) return;
-    std::string locale;
-    for (const char* name : {"LC_ALL", "LC_MESSAGES", "LANG"}) {
-        if (locale.empty()) locale = context.services.environment(name);
-    }
-    const bool isJapanese = locale == "ja" || locale.starts_with("ja_") || locale.starts_with("ja.");
-    if (host.settings.WriteRegString(kSettingsKey, kLanguageName, isJapanese ? u".ja-JP" : u".en-US") == 0)
+    const std::u16string_view suffix = PrefersJapanese(context.services) ? u".ja-JP" : u".en-US";
+    if (host.settings.WriteRegString(kSettingsKey, kLanguageName, suffix) == 0)
         context.console.Note("the language of the dialog could not be stored; it will be Japanese");
 }
 
