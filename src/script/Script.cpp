@@ -203,16 +203,16 @@ LineOutcome RunLine(ScriptRun& run, const ScriptLine& line) {
 
 LineOutcome RunLines(ScriptRun& run) {
     FlowState& flow = run.flow;
-    while (flow.next < run.source.size()) {
-        if (run.isCancelled()) {
-            run.session.ending = ScriptEnding::kCancelled;
-            return LineOutcome::kEndWithMinusOne;
-        }
+    while (flow.next < run.source.size() && !run.isCancelled()) {
         flow.current = flow.next++;
         const LineOutcome outcome = RunLine(run, run.source.LineAt(flow.current, run.tokens));
         if (outcome != LineOutcome::kNextLine && outcome != LineOutcome::kMoved) return outcome;
         if (run.variables.units() > run.services.maxVariableUnits)
             return StopAtLimit(run, u"The variables take too much memory (more than 256 MB).\n");
+    }
+    if (run.isCancelled()) {
+        run.session.ending = ScriptEnding::kCancelled;
+        return LineOutcome::kEndWithMinusOne;
     }
     return LineOutcome::kEndNormally;
 }
