@@ -10,14 +10,17 @@
 
 namespace kinsort {
 
-// Elements of an array stand on lines of their own; that is all the layout there is.
 void JsonWriter::BeforeValue() {
     if (afterKey_) {
         afterKey_ = false;
         return;
     }
     if (nesting_.empty()) return;
-    console_.Print(nesting_.back() == Place::kArrayStart ? "\n" : ",\n");
+    const bool isFirst = nesting_.back() == Place::kArrayStart;
+    if (layout_ == JsonLayout::kLines)
+        console_.Print(isFirst ? "\n" : ",\n");
+    else if (!isFirst)
+        console_.Print(", ");
     nesting_.back() = Place::kArray;
 }
 
@@ -28,7 +31,8 @@ void JsonWriter::BeginArray() {
 }
 
 void JsonWriter::EndArray() {
-    console_.Print(nesting_.back() == Place::kArrayStart ? "]" : "\n]");
+    const bool isEmpty = nesting_.back() == Place::kArrayStart;
+    console_.Print(isEmpty || layout_ == JsonLayout::kOneLine ? "]" : "\n]");
     nesting_.pop_back();
 }
 
@@ -75,6 +79,11 @@ void JsonWriter::String(std::string_view utf8) {
         }
     }
     console_.Print(quoted + "\"");
+}
+
+void JsonWriter::Integer(int64_t value) {
+    BeforeValue();
+    console_.Print(std::to_string(value));
 }
 
 void JsonWriter::Number(uint64_t value) {

@@ -9,10 +9,16 @@
 
 namespace kinsort {
 
+enum class JsonLayout : uint8_t {
+    kLines,    // elements of an array stand on lines of their own
+    kOneLine,  // for several texts, one a line
+};
+
 // Calls must nest as the JSON does. In an object every value follows its Key.
 class JsonWriter {
   public:
-    explicit JsonWriter(Console& console) : console_(console) {}
+    explicit JsonWriter(Console& console, JsonLayout layout = JsonLayout::kLines)
+        : console_(console), layout_(layout) {}
 
     void BeginArray();
     void EndArray();
@@ -21,6 +27,7 @@ class JsonWriter {
     void Key(std::string_view name);
     void String(std::string_view utf8);  // bytes that are not UTF-8 become U+FFFD
     void Number(uint64_t value);
+    void Integer(int64_t value);
     void Bool(bool value);
     void Null();
 
@@ -35,6 +42,7 @@ class JsonWriter {
     void BeforeValue();
 
     Console& console_;
+    JsonLayout layout_;
     std::vector<Place> nesting_;
     bool afterKey_ = false;
 };

@@ -6,6 +6,7 @@
 #include "platform/CodePages.h"
 #include "platform/DesktopOpener.h"
 #include "platform/Environment.h"
+#include "platform/FileManager.h"
 #include "platform/LocaleMap.h"
 #include "platform/Processes.h"
 #include "platform/Sleeper.h"
@@ -24,6 +25,7 @@ struct ScriptBackend {
     const SystemInfo& system;
     const LocaleMap& locale;
     Sleeper& sleeper;
+    FileManager& fileManager;  // of the user
 };
 
 }  // namespace kinsort

@@ -16,8 +16,9 @@ constexpr OptionId kUndoOptions[] = {kNotify, kJson, kQuiet, kHelp};
 constexpr OptionId kHistoryOptions[] = {kJson, kHelp};
 constexpr OptionId kRecoverOptions[] = {kFinish, kUndo, kLeave, kJson, kQuiet, kHelp};
 constexpr OptionId kSettingsOptions[] = {kType, kJson, kQuiet, kHelp};
-constexpr OptionId kScriptOptions[] = {kSelect, kCwd, kOther, kSet, kYes, kNo, kTrace, kDryRun, kHelp};
+constexpr OptionId kScriptOptions[] = {kSelect, kCwd, kOther, kSet, kYes, kNo, kTrace, kDryRun, kJson, kHelp};
 constexpr OptionId kIntegrateOptions[] = {kRemove, kDryRun, kQuiet, kHelp};
+constexpr OptionId kHostOptions[] = {kClass, kOpen, kJson, kQuiet, kHelp};
 constexpr OptionId kHelpOptions[] = {kHelp};
 
 constexpr ActionSpec kSettingsActions[] = {
@@ -33,6 +34,13 @@ constexpr ActionSpec kSettingsActions[] = {
 
 constexpr ActionSpec kScriptActions[] = {
     {"run", "FILE", 1, 1, true, "Run the script, as the dialog runs the entries of its folder menu."},
+    {"check", "FILE...", 1, SIZE_MAX, true,
+     "Read scripts without running them and tell what would go wrong, as file:line:column: message, or with --json as "
+     "an array."},
+};
+
+constexpr ActionSpec kHostActions[] = {
+    {"listen", "", 0, 0, false, "Be the host's window: print each message that arrives, until Ctrl-C."},
 };
 
 constexpr std::array kVerbs = {
@@ -97,14 +105,16 @@ constexpr std::array kVerbs = {
         "Any other value is named by its full path, for example Software/TEV_Soft/Vel/Main001/Settings/NLS; the "
         "names of a path are separated by backslashes, or by slashes when there is no backslash.",
         kSettingsOptions, RunSettings, false, kSettingsActions},
-    VerbSpec{"script", OperandKind::kAction, "Run a script of the ExCommand language",
-             "Scripts are text files in UTF-16. Their messages and questions appear on the terminal; where nobody can "
-             "be asked, a question counts as cancelled, unless --yes or --no says more. --dry-run works everything "
-             "out, but prints what the script would write, start, send or store instead of doing it. Ctrl-C stops the "
-             "script before its next line.\n\n"
-             "The exit code is 0 when the script came to its end or ended itself, 1 when an error, a limit, a No or "
-             "Ctrl-C ended it, 2 when the command line makes no sense and 3 when the script cannot be read.",
-             kScriptOptions, RunScriptVerb, false, kScriptActions},
+    VerbSpec{
+        "script", OperandKind::kAction, "Run or check a script of the ExCommand language",
+        "Scripts are text files in UTF-16. Their messages and questions appear on the terminal; where nobody can "
+        "be asked, a question counts as cancelled, unless --yes or --no says more. --dry-run works everything "
+        "out, but prints what the script would write, start, send or store instead of doing it. Ctrl-C stops the "
+        "script before its next line.\n\n"
+        "The exit code is 0 when the script came to its end or ended itself, 1 when an error, a limit, a No or "
+        "Ctrl-C ended it, 2 when the command line makes no sense and 3 when the script cannot be read. check gives 0 "
+        "when it found nothing, 1 when it found something and 3 when a file cannot be read.",
+        kScriptOptions, RunScriptVerb, false, kScriptActions},
     VerbSpec{"integrate", OperandKind::kIntegrations, "Put Kinsort into the menus of the desktop and its file managers",
              "NAME is menu (the menu of programs, with an action that undoes the last sorting), kde (service menu), "
              "nemo (action), nautilus, caja (script) or thunar (custom action). Without a name, menu and the file "
@@ -113,6 +123,11 @@ constexpr std::array kVerbs = {
              "a list that is shared keeps its other entries, and a file that is not Kinsort's is named and left alone. "
              "Do it again when the program has moved.",
              kIntegrateOptions, RunIntegrate, false},
+    VerbSpec{"host", OperandKind::kAction, "Stand in for the host that scripts talk to",
+             "Scripts and the dialog send messages to the host's main window. Here you see what they send, each "
+             "message on a line as it comes, and with --open what they want to be shown comes up in your file manager. "
+             "Every message is answered with 1. With --json each line is one JSON object.",
+             kHostOptions, RunHost, false, kHostActions},
     VerbSpec{"help", OperandKind::kVerb, "Show the help of a command", "Without a command, shows the list of commands.",
              kHelpOptions, RunHelp, false},
     VerbSpec{"completion", OperandKind::kShell, "Print the completion script for bash, zsh or fish",

@@ -65,6 +65,7 @@ ExitCode RunOpen(CliContext& context, const CommandLine& line);
 ExitCode RunScriptVerb(CliContext& context, const CommandLine& line);
 ExitCode RunIntegrate(CliContext& context, const CommandLine& line);
 ExitCode RunSettings(CliContext& context, const CommandLine& line);
+ExitCode RunHost(CliContext& context, const CommandLine& line);
 ExitCode RunHelp(CliContext& context, const CommandLine& line);
 ExitCode RunCompletion(CliContext& context, const CommandLine& line);
 ExitCode RunManual(CliContext& context, const CommandLine& line);

@@ -3,6 +3,7 @@
 #include "platform/linux/IcuCodePages.h"
 #include "platform/linux/IcuLocaleMap.h"
 #include "platform/linux/LinuxDesktopOpener.h"
+#include "platform/linux/LinuxFileManager.h"
 #include "platform/linux/LinuxSystemInfo.h"
 #include "platform/linux/LinuxWindowMessages.h"
 
@@ -10,6 +11,7 @@ namespace kinsort {
 
 ScriptPlatform::ScriptPlatform(const PathCodec& codec, FileSystem& files, HostServices& host)
     : opener_(MakeLinuxDesktopOpener(host.processes, files, codec)),
+      fileManager_(MakeLinuxFileManager(host.processes, *opener_, files, codec)),
       windows_(MakeLinuxWindowMessages()),
       codePages_(MakeIcuCodePages()),
       system_(MakeLinuxSystemInfo()),
@@ -21,6 +23,7 @@ ScriptPlatform::ScriptPlatform(const PathCodec& codec, FileSystem& files, HostSe
                .codePages = *codePages_,
                .system = *system_,
                .locale = *locale_,
-               .sleeper = sleeper_} {}
+               .sleeper = sleeper_,
+               .fileManager = *fileManager_} {}
 
 }  // namespace kinsort

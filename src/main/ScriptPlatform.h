@@ -21,6 +21,7 @@ class ScriptPlatform {
 
   private:
     std::unique_ptr<DesktopOpener> opener_;
+    std::unique_ptr<FileManager> fileManager_;
     std::unique_ptr<WindowMessages> windows_;
     std::unique_ptr<CodePages> codePages_;
     std::unique_ptr<SystemInfo> system_;
