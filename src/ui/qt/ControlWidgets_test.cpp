@@ -66,6 +66,7 @@ TEST_F(PlanListWidgetTest, AMillionRowsAreThereAndOnlyThoseInSightAreAskedFor) {
     constexpr size_t kRows = 1'000'000;
     AddRows(kRows);
     widget.show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&widget));
     widget.Redraw();
     widget.EnsureVisible(kRows - 1);
     widget.viewport()->repaint();
