@@ -318,7 +318,7 @@ TEST_F(DirMenuPopupTest, AnEmptyFolderIsReadEachTimeAndEscChoosesNothing) {
 }  // namespace kinsort
 
 int main(int argc, char** argv) {
-    qputenv("QT_QPA_PLATFORM", "offscreen");
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
     testing::InitGoogleMock(&argc, argv);
     const QApplication app(argc, argv);
     return RUN_ALL_TESTS();
