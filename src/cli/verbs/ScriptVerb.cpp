@@ -4,6 +4,7 @@
 #include "cli/HostServices.h"
 #include "cli/ItemList.h"
 #include "cli/ScriptBackend.h"
+#include "cli/ScriptCheckReport.h"
 #include "cli/ScriptTrace.h"
 #include "cli/ShownText.h"
 #include "cli/Texts.h"
@@ -143,7 +144,7 @@ struct ActionRow {
     ExitCode (*run)(CliContext& context, const CommandLine& line);
 };
 // The actions that VerbTable.cpp lists.
-constexpr ActionRow kActions[] = {{"run", RunFile}};
+constexpr ActionRow kActions[] = {{"run", RunFile}, {"check", ReportScriptCheck}};
 
 }  // namespace
 
