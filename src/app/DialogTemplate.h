@@ -11,6 +11,9 @@
 
 namespace kinsort {
 
+// The caption of message boxes and of questions.
+inline constexpr std::u16string_view kProgramTitle = u"Kinsort";
+
 enum ControlId : int {
     kIdOk = 1,
     kIdCancel = 2,

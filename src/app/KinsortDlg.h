@@ -43,9 +43,6 @@ struct KinsortDlgServices {
     std::function<void(const ScriptCall&)> runScript;  // may be empty: then favourites do nothing
 };
 
-// The caption of message boxes.
-inline constexpr std::u16string_view kProgramTitle = u"Kinsort";
-
 // What the folder field takes, in code units of the inner form.
 constexpr size_t kMaxFolderLength = 250;
 

@@ -105,7 +105,7 @@ class OperationPresenterTest : public testing::Test, protected DialogWorld {
         const std::map<int, const char*> values = {
             {kMsgProgressItems, " %1/%2"},   {kMsgProgressBytes, " %1/%2/%3"},  {kMsgProgressHours, " %1:%2"},
             {kMsgConflictFile, " %1 in %2"}, {kMsgConflictFolder, " %1 in %2"}, {kMsgSizeAndTime, " %1"},
-            {kMsgNotifyCopied, " %1 to %2"}, {kMsgNotifyMoved, " %1 to %2"},    {kMsgBatchUnfinished, " %1 to %2"},
+            {kMsgNotifyCopied, " %1 to %2"}, {kMsgNotifyMoved, " %1 to %2"},    {kMsgBatchUnfinished, " %1"},
             {kMsgRetryQuestion, " %1: %2"},  {kMsgUndoUnfinished, " %1"},       {kMsgBatchStopped, " %1"},
             {kMsgBatchNotStarted, " %1"},    {kMsgStatusFirst + 27, " %1"}};
         constexpr int kCounted[] = {kMsgSummaryCopied,   kMsgSummaryMoved,    kMsgSummaryUndone,
@@ -313,10 +313,18 @@ TEST_F(OperationPresenterTest, OffersToRecoverWhatACrashTore) {
 
     const struct {
         const char* what;
+        bool isUndoTorn;
         size_t button;
-        const char* after;
-        const char16_t* again;  // the second time: asked again only when it was left
-    } cases[] = {{"leave", 2, nullptr, u""}, {"finish", 0, kMoved, nullptr}, {"undo", 1, kBefore, nullptr}};
+        const char* after;  // null: as the crash left it
+        int title;
+    } cases[] = {
+        {"leave", false, 2, nullptr, 0},
+        {"finish", false, 0, kMoved, kMsgProgressMove},
+        {"undo", false, 1, kBefore, kMsgProgressUndo},
+        {"leave the undo", true, 2, nullptr, 0},
+        {"finish the undo", true, 0, kBefore, kMsgProgressUndo},
+        {"undo the undo", true, 1, kMoved, kMsgProgressRedo},
+    };
     for (const auto& one : cases) {
         SCOPED_TRACE(one.what);
         MemorySys torn;
@@ -326,26 +334,27 @@ TEST_F(OperationPresenterTest, OffersToRecoverWhatACrashTore) {
         torn.WriteFile("/in/a.txt", "AAA");
         torn.WriteFile("/in/b.txt", "BBB");
         FaultSys faults(torn);
-        faults.AtKind(SysCall::kRenameNoReplace, 2, Fault::Kill());
+        faults.AtKind(SysCall::kRenameNoReplace, one.isUndoTorn ? 4 : 2, Fault::Kill());
         OperationPolicy policy;
         policy.threads = 1;
         world.Run(faults, {{true, "/in/a.txt", "/out/A"}, {true, "/in/b.txt", "/out/B"}}, policy);
+        if (one.isUndoTorn) world.Undo(faults);
         ASSERT_TRUE(faults.killed());
         const std::string left = BatchWorld::Tree(torn);
-        ASSERT_NE(left, kBefore);
-        ASSERT_NE(left, kMoved);
+        ASSERT_TRUE(left != kBefore && left != kMoved);
 
         screen.questions.clear();
-        screen.summaries.clear();
+        screen.progress.clear();
         OperationPresenter next(world.ServicesOn(torn), screen, messages, *codec);
         screen.buttons = {one.button};
         next.OfferRecovery();
-        EXPECT_THAT(screen.questions, SizeIs(1));
-        EXPECT_TRUE(screen.questions.at(0).instruction.ends_with(u" to /out"));
+        EXPECT_EQ(screen.questions.at(0).instruction,
+                  N(one.isUndoTorn ? kMsgUndoUnfinished : kMsgBatchUnfinished) + u" /out");
         EXPECT_EQ(BatchWorld::Tree(torn), one.after == nullptr ? left : one.after);
+        EXPECT_EQ(screen.progress.empty() ? u"" : screen.progress.back().title, one.title == 0 ? u"" : N(one.title));
         EXPECT_THAT(screen.summaries, IsEmpty());
         next.OfferRecovery();
-        EXPECT_THAT(screen.questions, SizeIs(one.again == nullptr ? 1 : 2));
+        EXPECT_THAT(screen.questions, SizeIs(one.after == nullptr ? 2 : 1)) << "asked again only when it was left";
     }
 }
 

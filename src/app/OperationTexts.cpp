@@ -4,6 +4,7 @@
 #include <array>
 #include <cmath>
 
+#include "app/DialogTemplate.h"
 #include "framework/MessageNumbers.h"
 #include "framework/Paths.h"
 #include "text/Amounts.h"
@@ -140,7 +141,7 @@ ConflictQuestion OperationTexts::Ask(const Conflict& conflict) {
 }
 
 ButtonQuestion OperationTexts::AskFailure(std::u16string_view path, const Status& why) {
-    return {.title = Text(kMsgSummaryTitle),
+    return {.title = std::u16string(kProgramTitle),
             .instruction = messages_.GetMessageText(kMsgRetryQuestion, {Shown(path), StatusText(why)}),
             .details = {},
             .buttons = {Text(kMsgRetry), Text(kMsgConflictSkip), Text(kMsgStopBatch)},
@@ -149,12 +150,10 @@ ButtonQuestion OperationTexts::AskFailure(std::u16string_view path, const Status
 }
 
 ButtonQuestion OperationTexts::AskRecovery(const BatchSummary& batch) {
-    const std::u16string folder = Shown(batch.searchFolder);
-    const std::u16string time = Moment(batch.startedNs);
-    return {.title = Text(kMsgNotifyTitle),
-            .instruction = batch.isUndoTorn
-                               ? messages_.GetMessageText(kMsgUndoUnfinished, {folder, time})
-                               : messages_.GetMessageText(kMsgBatchUnfinished, {Number(batch.done), folder, time}),
+    // How many items were done is not said: what was torn is just what nobody wrote down any more.
+    return {.title = std::u16string(kProgramTitle),
+            .instruction = messages_.GetMessageText(batch.isUndoTorn ? kMsgUndoUnfinished : kMsgBatchUnfinished,
+                                                    {Shown(batch.searchFolder), Moment(batch.startedNs)}),
             .details = {},
             .buttons = {Text(kMsgRecoverFinish), Text(kMsgRecoverUndo), Text(kMsgRecoverLeave)},
             .defaultButton = 0,

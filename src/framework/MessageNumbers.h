@@ -74,7 +74,7 @@ enum MessageNumber : uint16_t {
     // A batch as a whole cannot be begun, or was torn.
     kMsgBatchNotStarted = 64070,  // %1 the reason
     kMsgBatchStopped = 64071,     // %1 the reason
-    kMsgBatchUnfinished = 64072,  // asks about a torn batch; %1 items done, %2 the folder they went to, %3 the time
+    kMsgBatchUnfinished = 64072,  // asks about a batch that was torn; %1 the folder, %2 the time
     kMsgRecoverFinish = 64073,    // button
     kMsgRecoverUndo = 64074,      // button
     kMsgRecoverLeave = 64075,     // button
