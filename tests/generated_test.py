@@ -45,6 +45,7 @@ class Generated(Workshop):
         self.assertEqual(self.complete("settings", "ex"), ["export"])
         self.assertEqual(self.complete("settings", "import", "so"), ["source", "so file"])
         self.assertEqual(self.complete("settings", "--ty"), ["--type"])
+        self.assertEqual(self.complete("integrate", "nemo", "n"), ["nemo", "nautilus"])
 
 
 if __name__ == "__main__":

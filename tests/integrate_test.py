@@ -151,6 +151,35 @@ class Integrate(Workshop):
             self.assertEqual(fields[5], "Z:" + self.target.replace("/", "\\"))
             os.unlink(report)
 
+    # The action of the desktop entry has no terminal to speak on.
+    def test_undo_tells_the_desktop(self):
+        programs = Path(self.top) / "programs"
+        programs.mkdir()
+        told = Path(self.top) / "told"
+        (programs / "notify-send").write_text(f"#!/bin/sh\nprintf '%s\\n' \"$@\" >> '{told}'\n")
+        self.environment["PATH"] = f"{programs}:{self.environment['PATH']}"
+        self.assertIn("no notification could be shown", self.run_kinsort("undo", "--notify", code=3).messages)
+        (programs / "notify-send").chmod(0o755)
+
+        def undo(language, code, *arguments):
+            self.run_kinsort("settings", "set", "NLS", language)
+            told.unlink(missing_ok=True)
+            self.run_kinsort(*(arguments or ("undo", "--notify")), code=code)
+            return told.read_text().splitlines()
+
+        head = ["--app-name=Kinsort", "--icon=kinsort"]
+        self.assertEqual(undo("en-US", 3), [*head, "Sorted into folders", "There is nothing to undo."])
+        self.make_folders("apple pie", "melon")
+        for name in ("apple pie.txt", "melon.txt"):
+            self.make_file(self.source, name)
+        self.run_kinsort("sort", "--to", self.target, "--move", *self.items())
+        self.assertEqual(undo("ja-JP", 0), [*head, "フォルダーへ分類", "2 項目を元に戻しました。"])
+        self.run_kinsort("redo")
+        with open(os.path.join(self.target, "melon/melon.txt"), "a", encoding="utf-8") as file:
+            file.write("changed since")
+        self.assertEqual(undo("en-US", 1), [*head, "Sorted into folders", "Items put back: 1.", "Items that failed: 1."])
+        self.assertEqual(undo("en-US", 0, "redo", "--notify")[3:], ["Items redone: 1."])
+
     def test_scripts_are_named_in_the_users_language(self):
         folder = self.data / "nautilus/scripts"
         for language, name in (("en_US.UTF-8", SCRIPT_ENGLISH), ("ja_JP.UTF-8", SCRIPT_JAPANESE)):

@@ -5,7 +5,7 @@ _kinsort() {
     [[ $current == = ]] && current=
     [[ $before == = ]] && before=${COMP_WORDS[COMP_CWORD-2]}
     if ((COMP_CWORD == 1)); then
-        mapfile -t COMPREPLY < <(compgen -W 'plan sort open undo redo history recover settings help completion --help --version' -- "$current")
+        mapfile -t COMPREPLY < <(compgen -W 'plan sort open undo redo history recover settings script integrate host help completion --help --version' -- "$current")
         return
     fi
     compopt -o filenames 2>/dev/null
@@ -32,6 +32,19 @@ _kinsort() {
     --type)
         mapfile -t COMPREPLY < <(compgen -W 'string dword binary' -- "$current")
         return ;;
+    --select)
+        mapfile -t COMPREPLY < <(compgen -f -- "$current")
+        return ;;
+    --cwd)
+        mapfile -t COMPREPLY < <(compgen -d -- "$current")
+        return ;;
+    --other)
+        mapfile -t COMPREPLY < <(compgen -d -- "$current")
+        return ;;
+    --set)
+        return ;;
+    --class)
+        return ;;
     esac
     case $verb in
     plan)
@@ -54,11 +67,11 @@ _kinsort() {
         fi ;;
     undo)
         if [[ $current == -* ]]; then
-            mapfile -t COMPREPLY < <(compgen -W '--json --quiet --help' -- "$current")
+            mapfile -t COMPREPLY < <(compgen -W '--notify --json --quiet --help' -- "$current")
         fi ;;
     redo)
         if [[ $current == -* ]]; then
-            mapfile -t COMPREPLY < <(compgen -W '--json --quiet --help' -- "$current")
+            mapfile -t COMPREPLY < <(compgen -W '--notify --json --quiet --help' -- "$current")
         fi ;;
     history)
         if [[ $current == -* ]]; then
@@ -76,11 +89,31 @@ _kinsort() {
         elif [[ ${COMP_WORDS[2]} == @(set|import) ]]; then
             mapfile -t COMPREPLY < <(compgen -f -- "$current")
         fi ;;
+    script)
+        if [[ $current == -* ]]; then
+            mapfile -t COMPREPLY < <(compgen -W '--select --cwd --other --set --yes --no --trace --dry-run --json --help' -- "$current")
+        elif ((COMP_CWORD == 2)); then
+            mapfile -t COMPREPLY < <(compgen -W 'run check' -- "$current")
+        elif [[ ${COMP_WORDS[2]} == @(run|check) ]]; then
+            mapfile -t COMPREPLY < <(compgen -f -- "$current")
+        fi ;;
+    integrate)
+        if [[ $current == -* ]]; then
+            mapfile -t COMPREPLY < <(compgen -W '--remove --dry-run --quiet --help' -- "$current")
+        else
+            mapfile -t COMPREPLY < <(compgen -W 'menu kde nemo nautilus caja thunar' -- "$current")
+        fi ;;
+    host)
+        if [[ $current == -* ]]; then
+            mapfile -t COMPREPLY < <(compgen -W '--class --open --json --quiet --help' -- "$current")
+        elif ((COMP_CWORD == 2)); then
+            mapfile -t COMPREPLY < <(compgen -W 'listen' -- "$current")
+        fi ;;
     help)
         if [[ $current == -* ]]; then
             mapfile -t COMPREPLY < <(compgen -W '--help' -- "$current")
         else
-            mapfile -t COMPREPLY < <(compgen -W 'plan sort open undo redo history recover settings help completion' -- "$current")
+            mapfile -t COMPREPLY < <(compgen -W 'plan sort open undo redo history recover settings script integrate host help completion' -- "$current")
         fi ;;
     completion)
         if [[ $current == -* ]]; then

@@ -81,6 +81,7 @@ TEST(CommandLine, SaysWhatIsWrong) {
         {{"undo", "1", "2"}, "undo: takes one batch number"},
         {{"history", "x"}, "history: takes no 'x'"},
         {{"recover", "--finish", "--undo"}, "recover: choose one of --finish, --undo and --leave"},
+        {{"integrate", "menu", "x"}, "integrate: takes menu, kde, nemo, nautilus, caja or thunar, not 'x'"},
         {{"help", "a", "b"}, "help: takes one name"},
     };
     for (const auto& [arguments, message] : cases) {

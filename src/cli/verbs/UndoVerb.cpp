@@ -2,6 +2,7 @@
 #include "cli/BatchReport.h"
 #include "cli/CommandLine.h"
 #include "cli/ConsoleProgress.h"
+#include "cli/Notification.h"
 
 namespace kinsort {
 namespace {
@@ -21,14 +22,13 @@ void NameTheNext(CliContext& context, UndoHistory& history, BatchId stuck, bool 
     context.console.Say(text);
 }
 
-ExitCode RunHistoryStep(CliContext& context, const CommandLine& line, BatchAction action) {
+// Fills `report` as far as it gets.
+ExitCode RunHistoryStep(CliContext& context, const CommandLine& line, BatchReport& report) {
     std::optional<FileOperationServices> engine = context.EngineServices();
     if (!engine) return ExitCode::kNothing;
     const BatchId unfinished = context.WarnOfUnfinishedBatches(*engine);
     UndoHistory history(*engine);
-    const bool isUndo = action == BatchAction::kUndo;
-    BatchReport report;
-    report.action = action;
+    const bool isUndo = report.action == BatchAction::kUndo;
     report.journalFolder = engine->journalFolder;
     report.subject = !line.operands.empty() ? line.Batch()
                      : isUndo               ? history.NewestUndoable()
@@ -46,7 +46,7 @@ ExitCode RunHistoryStep(CliContext& context, const CommandLine& line, BatchActio
         return ExitCode::kNothing;
     }
     {
-        ConsoleProgress progress(context, action);
+        ConsoleProgress progress(context, report.action);
         report.result = isUndo ? history.Undo(report.subject, &progress, &context.cancel)
                                : history.Redo(report.subject, &progress, &context.cancel);
     }
@@ -57,14 +57,22 @@ ExitCode RunHistoryStep(CliContext& context, const CommandLine& line, BatchActio
     return ExitCodeOf(report);
 }
 
+ExitCode RunAndNotify(CliContext& context, const CommandLine& line, BatchAction action) {
+    BatchReport report;
+    report.action = action;
+    const ExitCode code = RunHistoryStep(context, line, report);
+    if (line.Has(OptionId::kNotify)) NotifyOutcome(context, report);
+    return code;
+}
+
 }  // namespace
 
 ExitCode RunUndo(CliContext& context, const CommandLine& line) {
-    return RunHistoryStep(context, line, BatchAction::kUndo);
+    return RunAndNotify(context, line, BatchAction::kUndo);
 }
 
 ExitCode RunRedo(CliContext& context, const CommandLine& line) {
-    return RunHistoryStep(context, line, BatchAction::kRedo);
+    return RunAndNotify(context, line, BatchAction::kRedo);
 }
 
 }  // namespace kinsort
