@@ -8,7 +8,7 @@
 namespace kinsort {
 
 void PlanPresenter::SearchCandidates() {
-    (void)view_.ReadControls();  // a refused control leaves the field as it was, and the search goes on with that
+    (void)view_.ReadControls();  // where a control refused, the user has been told, and the search goes on all the same
     const std::vector<std::u16string> folders = ListCandidateFolders(files_, view_.SearchFolder());
     if (FillCandidates(plan_, folders, normalizer_, {}, nullptr) == SearchOutcome::kNoDirectory) {
         view_.ShowMessage(u"No Directory");
