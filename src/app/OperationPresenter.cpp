@@ -142,6 +142,7 @@ void OperationPresenter::CarryOut(std::vector<ItemRequest> items, uint32_t flags
         result.status = result.status.At(engine_->codec.PathToInner(engine_->journalFolder));
     }
     const bool canUndo = result.done > 0 && result.id != 0 && (flags & kFofAllowUndo) != 0;
+    if (isEnding_) return;
     if (NeedsSummary(result)) {
         const OperationSummary summary = texts_.Summarize(kind, result, canUndo);
         if (view_.ShowSummary(summary) + 1 < summary.buttons.size()) Undo(result.id);
@@ -151,7 +152,7 @@ void OperationPresenter::CarryOut(std::vector<ItemRequest> items, uint32_t flags
 }
 
 void OperationPresenter::OfferUndo() {
-    if (!undoable_) return;
+    if (!undoable_ || isEnding_) return;
     const Finished batch = std::move(*undoable_);
     undoable_.reset();
     if (view_.OfferUndo(texts_.Offer(batch.kind, batch.result, batch.folder))) Undo(batch.result.id);
@@ -163,7 +164,7 @@ void OperationPresenter::Undo(BatchId id) {
         Run(OperationKind::kUndo, [&](AskUserAction&, ProgressSink& progress, const CancelToken& cancel) {
             return history.Undo(id, &progress, &cancel);
         });
-    if (NeedsSummary(result)) view_.ShowSummary(texts_.Summarize(OperationKind::kUndo, result, false));
+    if (NeedsSummary(result) && !isEnding_) view_.ShowSummary(texts_.Summarize(OperationKind::kUndo, result, false));
 }
 
 void OperationPresenter::OfferRecovery() {
@@ -174,6 +175,7 @@ void OperationPresenter::OfferRecovery() {
     if (!batches.ok()) return;  // the next batch meets the same failure and says so
     // Newest first: what a later batch did stands on what an earlier one did.
     for (const BatchSummary& batch : *batches) {
+        if (isEnding_) return;
         if (batch.state != BatchState::kUnfinished) continue;
         const size_t button = view_.AskButtons(texts_.AskRecovery(batch));
         if (button > 1) continue;
@@ -195,10 +197,11 @@ void OperationPresenter::Recover(UndoHistory& history, const BatchSummary& batch
     // Of a batch that was interrupted before its first item nothing is left to do, and that is as it should be.
     const bool isSettled = result.status.ok() && !result.cancelled &&
                            std::all_of(result.reports.begin(), result.reports.end(), IsAsWished);
-    if (!isSettled) view_.ShowSummary(texts_.Summarize(kind, result, false));
+    if (!isSettled && !isEnding_) view_.ShowSummary(texts_.Summarize(kind, result, false));
 }
 
 void OperationPresenter::CancelRunning() {
+    isEnding_ = true;
     if (running_ != nullptr) running_->Cancel();
 }
 

@@ -30,7 +30,7 @@ class OperationPresenter final : public OperationRunner {
     void OfferUndo() override;
     void OfferRecovery() override;
 
-    // Ends the batch that is running as Cancel does; for the end of the session. Does nothing when none is.
+    // The session ends: stops the batch that is running, as Cancel does, and asks and tells nothing any more.
     void CancelRunning();
 
   private:
@@ -50,6 +50,7 @@ class OperationPresenter final : public OperationRunner {
         BatchResult result;
         std::u16string folder;
     };
+    bool isEnding_ = false;
     std::optional<Finished> undoable_;  // what OfferUndo is about
 };
 

@@ -43,7 +43,7 @@ class ScriptedOperationView final : public OperationView {
         isOpen = true;
         progress.push_back(texts);
         cancel = std::move(onCancel);
-        if (cancelsAtOnce) cancel();
+        if (whenProgressBegins) whenProgressBegins();
     }
     void UpdateProgress(const ProgressTexts& texts) override {
         EXPECT_TRUE(isOpen);
@@ -73,7 +73,7 @@ class ScriptedOperationView final : public OperationView {
 
     std::deque<ConflictReply> replies;  // skip when there are none left
     std::deque<size_t> buttons;         // the one for Esc when there are none left
-    bool cancelsAtOnce = false;
+    std::function<void()> whenProgressBegins;
     bool takesOffers = false;
     bool isOpen = false;
     std::vector<ProgressTexts> progress;
@@ -260,7 +260,7 @@ TEST_F(OperationPresenterTest, TellsWhatWentWrongAndUndoesTheRest) {
 }
 
 TEST_F(OperationPresenterTest, StopsWhenTheUserCancels) {
-    screen.cancelsAtOnce = true;
+    screen.whenProgressBegins = [this] { screen.cancel(); };
     CarryOut(true);
     EXPECT_EQ(Tree(), kBefore);
     EXPECT_TRUE(screen.progress[1].isStopping);
@@ -268,10 +268,15 @@ TEST_F(OperationPresenterTest, StopsWhenTheUserCancels) {
     ASSERT_THAT(screen.summaries, SizeIs(1));
     EXPECT_THAT(screen.summaries[0].notes, testing::Contains(N(kMsgUntouched)));
     EXPECT_THAT(screen.summaries[0].rows, IsEmpty());
-    presenter.CancelRunning();  // none runs
-    screen.cancelsAtOnce = false;
+}
+
+TEST_F(OperationPresenterTest, StopsAndIsSilentWhenTheSessionEnds) {
+    screen.whenProgressBegins = [this] { presenter.CancelRunning(); };
     CarryOut(true);
-    EXPECT_EQ(Tree(), kMoved);
+    EXPECT_EQ(Tree(), kBefore);
+    presenter.OfferUndo();
+    EXPECT_THAT(screen.summaries, IsEmpty());
+    EXPECT_THAT(screen.offers, IsEmpty());
 }
 
 TEST_F(OperationPresenterTest, AsksWhatToDoAboutAFullVolume) {
