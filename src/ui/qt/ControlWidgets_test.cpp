@@ -136,7 +136,7 @@ class FolderBoxTest : public testing::Test {
         auto* layout = new QVBoxLayout(&window);
         layout->addWidget(&box);
         layout->addWidget(&next);
-        window.resize(400, 100);
+        next.setFixedHeight(200);  // reaches out below an open list
         window.show();
         window.activateWindow();
         EXPECT_TRUE(QTest::qWaitForWindowActive(&window));
@@ -210,6 +210,20 @@ TEST_F(FolderBoxTest, AnOpenListCanBeLeftTypedOverAndClicked) {
     QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, list->visualRect(list->model()->index(0, 0)).center());
     EXPECT_FALSE(box.IsListOpen());
     EXPECT_EQ(box.Text(), u"/home/pictures/");
+
+    const QPoint arrow = box.geometry().topRight() + QPoint(-5, box.height() / 2);
+    const auto press = [&](QPoint at) {
+        QTest::mouseClick(window.windowHandle(), Qt::LeftButton, {}, at);
+        QCoreApplication::processEvents();
+    };
+    press(arrow);
+    EXPECT_TRUE(box.IsListOpen());
+    press(arrow);
+    EXPECT_FALSE(box.IsListOpen()) << "the press that closes the list opens it again";
+    press(arrow);
+    EXPECT_TRUE(box.IsListOpen());
+    press(next.geometry().bottomLeft() + QPoint(9, -9));
+    EXPECT_FALSE(box.IsListOpen());
 }
 
 TEST_F(FolderBoxTest, AnInputMethodKeepsItsKeys) {

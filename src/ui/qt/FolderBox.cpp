@@ -129,7 +129,6 @@ void FolderBox::OpenList() {
     control_->OnDropDown();
     if (ItemCount() == 0) return;
     PlaceList();
-    list_->setAttribute(Qt::WA_NoMouseReplay, false);
     list_->setAccessibleName(accessibleName());
     list_->show();
     if (const auto selected = SelectedItem()) SelectItem(*selected);
@@ -227,18 +226,24 @@ bool FolderBox::OnListEvent(QEvent* event) {
             return true;
         case QEvent::KeyPress:
             return OnListKey(static_cast<QKeyEvent*>(event));
-        case QEvent::MouseButtonPress: {
-            // The press on the box that closes the list must not open it again.
-            const QPoint at = mapFromGlobal(static_cast<QMouseEvent*>(event)->globalPosition().toPoint());
-            if (rect().contains(at)) list_->setAttribute(Qt::WA_NoMouseReplay);
-            return false;
-        }
+        case QEvent::MouseButtonPress:
+            return OnListPress(*static_cast<QMouseEvent*>(event));
         case QEvent::Hide:
             if (control_ != nullptr) control_->OnCloseUp();
             return false;
         default:
             return false;
     }
+}
+
+// A press outside of the list closes it, which a list does not do by itself. It then counts where it fell, but not on
+// the box, where it would open the list again.
+bool FolderBox::OnListPress(const QMouseEvent& event) {
+    if (list_->rect().contains(event.position().toPoint())) return false;
+    const QPoint onBox = mapFromGlobal(event.globalPosition().toPoint());
+    list_->setAttribute(Qt::WA_NoMouseReplay, rect().contains(onBox));
+    CloseList();
+    return true;
 }
 
 bool FolderBox::OnListKey(QKeyEvent* event) {

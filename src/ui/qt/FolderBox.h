@@ -62,6 +62,7 @@ class FolderBox final : public QComboBox, public HistoryComboView {
   private:
     bool OnListEvent(QEvent* event);
     bool OnEditEvent(QEvent* event);
+    bool OnListPress(const QMouseEvent& event);
     bool OnListKey(QKeyEvent* event);
     bool OfferKey(const QKeyEvent& event);
     void OnClicked(const QModelIndex& index);
