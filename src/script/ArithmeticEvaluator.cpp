@@ -74,9 +74,31 @@ double BeyondRange(std::u16string_view mantissa, const NumberShape& shape) {
     return isHuge ? std::numeric_limits<double>::infinity() : 0;
 }
 
+// Nothing but digits, few enough for a double, and nothing behind them that could belong to the number.
+bool IsPlainNumber(std::u16string_view text, size_t digits) {
+    constexpr size_t kMaxExactDigits = 15;
+    constexpr std::u16string_view kContinues = u".eExX";
+    const bool ends = digits == text.size() || kContinues.find(text[digits]) == kContinues.npos;
+    return digits > 0 && digits <= kMaxExactDigits && ends;
+}
+
+// Whole, and small enough that every whole number near it is a double too.
+bool IsExactInteger(double value) {
+    constexpr double kLimit = 9007199254740992.0;  // 2 to the 53rd
+    return value > -kLimit && value < kLimit && static_cast<double>(static_cast<int64_t>(value)) == value;
+}
+
+// The remainder with the sign of `left`. Whole numbers take the short way.
+double Remainder(double left, double right) {
+    const bool isWhole = IsExactInteger(left) && IsExactInteger(right) && left >= 0 && !std::signbit(left);
+    return isWhole ? static_cast<double>(static_cast<int64_t>(left) % static_cast<int64_t>(right))
+                   : std::fmod(left, right);
+}
+
 }  // namespace
 
 std::u16string FormatDouble(double value) {
+    if (IsExactInteger(value) && !std::signbit(value)) return FormatInteger(static_cast<int64_t>(value));
     std::array<char, kMaxDoubleSize> digits;
     const auto end =
         std::to_chars(digits.data(), digits.data() + digits.size(), value, std::chars_format::fixed, 6).ptr;
@@ -129,7 +151,7 @@ double ArithmeticEvaluator::Apply(char16_t op, double left, double right) {
         current_ = kZeroDivisor;
         return 0;
     }
-    return op == u'/' ? left / right : std::fmod(left, right);
+    return op == u'/' ? left / right : Remainder(left, right);
 }
 
 double ArithmeticEvaluator::EvaluateOperand() {
@@ -164,6 +186,11 @@ double ArithmeticEvaluator::EvaluateParentheses() {
 // The number whose first character is current.
 double ArithmeticEvaluator::ReadNumber() {
     const std::u16string_view text(rest_.data() - 1, rest_.size() + 1);
+    if (const size_t digits = CountDigits(text, IsDecimalDigit); IsPlainNumber(text, digits)) {
+        rest_.remove_prefix(digits - 1);
+        Advance();
+        return static_cast<double>(ReadInt64(text.substr(0, digits)));
+    }
     const NumberShape shape = MeasureNumber(text);
     if (shape.mantissa == 0) return 0;  // a lone point stays current, and nothing accepts it
     const std::u16string_view mantissa = text.substr(shape.prefix, shape.mantissa);

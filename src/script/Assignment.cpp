@@ -67,7 +67,7 @@ FunctionResult CallFunction(std::u16string_view right, std::u16string_view state
 AssignmentResult EvaluatePlain(std::u16string& value) {
     if (IsPlainInteger(value)) return AssignmentResult::kAssigned;
     if (value == kEmptyPlainResult) value.clear();
-    value = ReplaceHexLiterals(value);
+    if (value.find(u"0x") != value.npos) value = ReplaceHexLiterals(value);
     if (value.empty() || !IsArithmeticText(value)) return AssignmentResult::kAssigned;
     ArithmeticEvaluator evaluator;
     switch (evaluator.Evaluate(value)) {

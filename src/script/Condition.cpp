@@ -1,8 +1,10 @@
 #include "script/Condition.h"
 
 #include <algorithm>
+#include <iterator>
 #include <optional>
 #include <string>
+#include <utility>
 
 #include "script/NumberText.h"
 #include "text/AsciiCase.h"
@@ -58,16 +60,31 @@ struct Found {
     size_t position = 0;
 };
 
+// The sign that begins here, as an index into kOperators; the number of operators when none does.
+size_t SignAt(std::u16string_view condition, size_t position) {
+    const char16_t unit = condition[position];
+    if (unit != u'=' && unit != u'!' && unit != u'^' && unit != u'<' && unit != u'>') return std::size(kOperators);
+    for (size_t i = 0; i < std::size(kOperators); ++i)
+        if (condition.substr(position).starts_with(kOperators[i].sign)) return i;
+    return std::size(kOperators);
+}
+
+// One look at the text: the first place of the sign that comes first in kOperators.
 Found FindOperator(std::u16string_view condition) {
-    const auto sign = std::find_if(condition.begin(), condition.end(), [](char16_t unit) {
-        return unit == u'=' || unit == u'!' || unit == u'^' || unit == u'<' || unit == u'>';
-    });
-    const auto first = static_cast<size_t>(sign - condition.begin());
-    for (const Operator& op : kOperators) {
-        const size_t position = condition.find(op.sign, first);
-        if (position != condition.npos) return {&op, position};
+    size_t best = std::size(kOperators);
+    size_t place = 0;
+    for (size_t i = 0; i < condition.size() && best > 0; ++i) {
+        const size_t sign = SignAt(condition, i);
+        if (sign >= best) continue;
+        best = sign;
+        place = i;
     }
-    return {};
+    if (best == std::size(kOperators)) return {};
+    return {&kOperators[best], place};
+}
+
+std::u16string Normalize(std::u16string text) {
+    return IsPlainInteger(text) ? std::move(text) : NormalizeNumber(text);
 }
 
 }  // namespace
@@ -80,11 +97,11 @@ ConditionOperator FindConditionOperator(std::u16string_view condition) {
 ConditionResult EvaluateCondition(std::u16string_view condition, const ExpansionScope& scope) {
     const auto [op, position] = FindOperator(condition);
     if (op == nullptr) return ConditionResult::kNoOperator;
-    const auto left = ExpandLine(condition.substr(0, position), scope, Trimming::kTrim);
-    const auto right = ExpandLine(condition.substr(position + op->sign.size()), scope, Trimming::kTrim);
+    auto left = ExpandLine(condition.substr(0, position), scope, Trimming::kTrim);
+    auto right = ExpandLine(condition.substr(position + op->sign.size()), scope, Trimming::kTrim);
     if (!left || !right) return ConditionResult::kTooLong;
-    return op->holds(NormalizeNumber(*left), NormalizeNumber(*right)) ? ConditionResult::kTrue
-                                                                      : ConditionResult::kFalse;
+    return op->holds(Normalize(std::move(*left)), Normalize(std::move(*right))) ? ConditionResult::kTrue
+                                                                                : ConditionResult::kFalse;
 }
 
 }  // namespace kinsort

@@ -119,8 +119,12 @@ std::optional<std::u16string> ExpandLine(std::u16string_view text, const Expansi
     const auto index = static_cast<size_t>(scope.forIndex);
     if (scope.forIndex >= 0 && index < scope.selectedItems.size() && out.find(u'?') != out.npos)
         out = FillInItem(out, scope.selectedItems[index], scope.system);
-    const bool hasBlankEnd = !out.empty() && (IsWhiteSpace(out.front()) || IsWhiteSpace(out.back()));
-    if (trimming == Trimming::kTrim && hasBlankEnd) out = Trim(out);
+    if (trimming == Trimming::kTrim) {
+        const std::u16string_view trimmed = TrimView(out);
+        const auto begin = static_cast<size_t>(trimmed.data() - out.data());
+        out.erase(begin + trimmed.size());
+        out.erase(0, begin);
+    }
     return out;
 }
 

@@ -1,6 +1,7 @@
 #include "script/NumberText.h"
 
 #include <algorithm>
+#include <array>
 #include <vector>
 
 #include "text/Numbers.h"
@@ -13,6 +14,13 @@ constexpr std::u16string_view kHexPrefix = u"0x";
 
 // Every whole number of as many digits is a double.
 constexpr size_t kMaxExactDigits = 15;
+
+constexpr std::array<bool, 128> kIsArithmetic = [] {
+    std::array<bool, 128> is{};
+    for (const char16_t unit : std::u16string_view(u"0123456789.()+- */%"))
+        is[unit] = true;
+    return is;
+}();
 
 std::u16string WithoutBlanks(std::u16string_view text) {
     std::u16string out(text);
@@ -69,9 +77,8 @@ std::u16string ReplaceHexLiterals(std::u16string_view text) {
 }
 
 bool IsArithmeticText(std::u16string_view text) {
-    return std::all_of(text.begin(), text.end(), [](char16_t unit) {
-        return IsDigit(unit) || std::u16string_view(u".()+- */%").find(unit) != std::u16string_view::npos;
-    });
+    return std::all_of(text.begin(), text.end(),
+                       [](char16_t unit) { return unit < kIsArithmetic.size() && kIsArithmetic[unit]; });
 }
 
 }  // namespace kinsort
