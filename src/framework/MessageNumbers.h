@@ -33,23 +33,20 @@ enum MessageNumber : uint16_t {
     kMsgProgressHours = 64009,       // %1 hours, %2 minutes left
     kMsgProgressCancelling = 64010,  // after Cancel, until the item at work is finished or taken back
     kMsgCancel = 64011,              // button
-    kMsgFromFolder = 64012,          // %1 a folder
-    kMsgToFolder = 64013,            // %1 a folder
 
     // A name is taken.
     kMsgConflictTitle = 64020,
-    kMsgConflictFile = 64021,        // %1 a name, %2 the folder that has one already
-    kMsgConflictFolder = 64022,      // %1 a folder's name, %2 the folder that has one already
-    kMsgConflictNew = 64023,         // heads size and time of the item that comes
-    kMsgConflictOld = 64024,         // heads size and time of what is there
-    kMsgConflictReplace = 64025,     // button
-    kMsgConflictSkip = 64026,        // button
-    kMsgConflictKeepBoth = 64027,    // button
-    kMsgConflictMerge = 64028,       // button: the folder's content goes into the one that is there
-    kMsgConflictAll = 64029,         // check box: the same answer for all further ones
-    kMsgConflictUndoHint = 64030,    // a replaced file is kept
-    kMsgSizeAndTime = 64031,         // %1 a size, %2 a time
-    kMsgConflictKeepBothAs = 64032,  // %1 the new name
+    kMsgConflictFile = 64021,      // %1 a name, %2 the folder that has one already
+    kMsgConflictFolder = 64022,    // %1 a folder's name, %2 the folder that has one already
+    kMsgConflictNew = 64023,       // heads size and time of the item that comes
+    kMsgConflictOld = 64024,       // heads size and time of what is there
+    kMsgConflictReplace = 64025,   // button
+    kMsgConflictSkip = 64026,      // button
+    kMsgConflictKeepBoth = 64027,  // button
+    kMsgConflictMerge = 64028,     // button: the folder's content goes into the one that is there
+    kMsgConflictAll = 64029,       // check box: the same answer for all further ones
+    kMsgConflictUndoHint = 64030,  // a replaced file is kept
+    kMsgSizeAndTime = 64031,       // %1 a size, %2 a time
 
     // What became of a batch.
     kMsgSummaryTitle = 64040,
@@ -62,10 +59,8 @@ enum MessageNumber : uint16_t {
     kMsgSummaryCancelled = 64047,  // %1 items that were not reached
     kMsgSummaryColumnItem = 64048,
     kMsgSummaryColumnReason = 64049,
-    kMsgSummaryUndo = 64050,      // button
-    kMsgSummaryRedo = 64051,      // button
-    kMsgSummaryClose = 64052,     // button
-    kMsgSummaryCopyList = 64053,  // button: puts the list on the clipboard
+    kMsgSummaryUndo = 64050,   // button
+    kMsgSummaryClose = 64052,  // button
     kMsgSummaryNothing = 64054,
     kMsgNotifyTitle = 64055,   // of the desktop's notification
     kMsgNotifyCopied = 64056,  // %1 items, %2 the folder
