@@ -19,6 +19,7 @@ packages=(
   "libqt6svg6           icons of the desktop's theme in the dialog"
   "fonts-noto-cjk       Japanese glyphs in the pictures and the tests of texts that must not be cut"
   "xvfb                 a display for scripts/screenshots.sh and the tests of the dialog"
+  "dbus-daemon          a message bus of its own for the test of the offer to undo"
   "desktop-file-utils   checks the desktop entry"
   "appstream            checks the software centre's data"
   "libcli11-dev         command line parsing"

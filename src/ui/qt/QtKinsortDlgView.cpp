@@ -177,13 +177,13 @@ std::optional<size_t> QtKinsortDlgView::ShowPopupMenu(int controlId, const std::
     return chosen->data().value<size_t>();
 }
 
-// The widget draws icons and selects rows from the beginning.
-void QtKinsortDlgView::PrepareList() {
-    window_.List().horizontalHeader()->setStretchLastSection(true);
-}
+void QtKinsortDlgView::PrepareList() {}  // the widget draws icons and selects rows from the beginning
 
 void QtKinsortDlgView::InsertListColumn(size_t index, std::u16string_view title, int width) {
+    QHeaderView& header = *window_.List().horizontalHeader();
+    header.setStretchLastSection(false);
     window_.List().InsertColumn(static_cast<int>(index), ToQString(title), width);
+    header.setStretchLastSection(true);  // wide enough for the list, however narrow that is
 }
 
 void QtKinsortDlgView::SetListCount(size_t count) {

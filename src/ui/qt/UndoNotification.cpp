@@ -69,22 +69,24 @@ bool UndoNotification::Offer(const Texts& texts, int limitMs) {
     bus_.connect(kService, kPath, kService, QStringLiteral("ActionInvoked"), this, SLOT(OnAction(uint, QString)));
     bus_.connect(kService, kPath, kService, QStringLiteral("NotificationClosed"), this, SLOT(OnClosed(uint, uint)));
     if (!Show(texts, capabilities.contains(QStringLiteral("body-markup")), limitMs)) return false;
-    QTimer::singleShot(limitMs, &loop_, &QEventLoop::quit);
-    if (!isGone_) loop_.exec();
-    if (!isGone_) bus_.send(Call(QStringLiteral("CloseNotification"), {id_}));
-    return isChosen_;
+    if (!chosen_.contains(id_) && !gone_.contains(id_)) {
+        QTimer::singleShot(limitMs, &loop_, &QEventLoop::quit);
+        loop_.exec();
+    }
+    if (!gone_.contains(id_)) bus_.send(Call(QStringLiteral("CloseNotification"), {id_}));
+    return chosen_.contains(id_);
 }
 
+// What happens to a notification can be heard of before the number that it was given.
 void UndoNotification::OnAction(uint id, const QString& action) {
-    if (id != id_ || action != kUndoAction) return;
-    isChosen_ = true;
-    loop_.quit();
+    if (action != kUndoAction) return;
+    chosen_.insert(id);
+    if (id == id_) loop_.quit();
 }
 
 void UndoNotification::OnClosed(uint id, uint) {
-    if (id != id_) return;
-    isGone_ = true;
-    loop_.quit();
+    gone_.insert(id);
+    if (id == id_) loop_.quit();
 }
 
 }  // namespace kinsort

@@ -4,6 +4,7 @@
 #include <QDBusConnection>
 #include <QEventLoop>
 #include <QObject>
+#include <QSet>
 #include <QString>
 
 namespace kinsort {
@@ -39,8 +40,8 @@ class UndoNotification final : public QObject {
     QDBusConnection bus_;
     QEventLoop loop_;
     uint id_ = 0;
-    bool isGone_ = false;
-    bool isChosen_ = false;
+    QSet<uint> chosen_;  // the button was pressed: of any program's notifications
+    QSet<uint> gone_;    // closed
 };
 
 }  // namespace kinsort

@@ -1,0 +1,161 @@
+// The notification against a service of our own on a bus of our own.
+#include "ui/qt/UndoNotification.h"
+
+#include <QDBusConnectionInterface>
+#include <QGuiApplication>
+#include <QProcess>
+#include <QTimer>
+#include <QVariantMap>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace kinsort {
+namespace {
+
+constexpr int kLongMs = 60'000;
+constexpr int kShortMs = 50;
+const UndoNotification::Texts kTexts = {QStringLiteral("Sorted"), QStringLiteral("Moved <3> & more"),
+                                        QStringLiteral("&Undo")};
+
+// A message bus for this test alone.
+class Bus {
+  public:
+    Bus() {
+        daemon_.start(QStringLiteral("dbus-daemon"),
+                      {QStringLiteral("--session"), QStringLiteral("--nofork"), QStringLiteral("--print-address")});
+        while (!daemon_.canReadLine() && daemon_.waitForReadyRead()) {
+        }
+        address_ = QString::fromLatin1(daemon_.readLine().trimmed());
+    }
+    ~Bus() {
+        daemon_.terminate();
+        daemon_.waitForFinished();
+    }
+    QDBusConnection Connect(const QString& name) const {
+        return QDBusConnection::connectToBus(address_, name + QString::number(daemon_.processId()));
+    }
+
+  private:
+    QProcess daemon_;
+    QString address_;
+};
+
+}  // namespace
+
+// What the desktop does. What it was told is kept; how it answers is set by the test.
+class FakeNotifications final : public QObject {
+    Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "org.freedesktop.Notifications")
+
+  public:
+    QStringList capabilities = {QStringLiteral("actions"), QStringLiteral("body")};
+    std::function<void(uint id)> whenShown = [](uint) {};
+    QString body;
+    QStringList actions;
+    int shown = 0;
+    int closed = 0;
+
+  public slots:
+    QStringList GetCapabilities() { return capabilities; }
+    uint Notify(const QString&, uint, const QString&, const QString&, const QString& text, const QStringList& labels,
+                const QVariantMap&, int) {
+        body = text;
+        actions = labels;
+        const uint id = 40 + static_cast<uint>(++shown);
+        QTimer::singleShot(0, this, [this, id] { whenShown(id); });
+        return id;
+    }
+    void CloseNotification(uint) { ++closed; }
+
+  signals:
+    void ActionInvoked(uint id, const QString& action);
+    void NotificationClosed(uint id, uint reason);
+};
+
+namespace {
+
+class UndoNotificationTest : public testing::Test {
+  protected:
+    UndoNotificationTest() {
+        EXPECT_TRUE(desktop.registerObject(QStringLiteral("/org/freedesktop/Notifications"), &service,
+                                           QDBusConnection::ExportAllSlots | QDBusConnection::ExportAllSignals));
+    }
+    ~UndoNotificationTest() override {
+        QDBusConnection::disconnectFromBus(desktop.name());
+        QDBusConnection::disconnectFromBus(program.name());
+    }
+    void StartService() { ASSERT_TRUE(desktop.registerService(QStringLiteral("org.freedesktop.Notifications"))); }
+    // Everything that was sent to the desktop has arrived there.
+    void Settle() {
+        desktop.interface()->isServiceRegistered(QStringLiteral("org.freedesktop.Notifications"));
+        QCoreApplication::processEvents();
+    }
+
+    const Bus bus;
+    QDBusConnection desktop = bus.Connect(QStringLiteral("desktop"));
+    QDBusConnection program = bus.Connect(QStringLiteral("program"));
+    FakeNotifications service;
+    UndoNotification notification{program};
+};
+
+TEST_F(UndoNotificationTest, TheButtonUndoes) {
+    StartService();
+    service.whenShown = [this](uint id) {
+        emit service.ActionInvoked(id + 1, QStringLiteral("undo"));  // somebody else's
+        emit service.ActionInvoked(id, QStringLiteral("undo"));
+    };
+    EXPECT_TRUE(notification.Offer(kTexts, kLongMs));
+    EXPECT_EQ(service.body, kTexts.text);
+    EXPECT_EQ(service.actions, (QStringList{QStringLiteral("undo"), QStringLiteral("Undo")}));
+}
+
+TEST_F(UndoNotificationTest, GoneWithoutTheButtonUndoesNothing) {
+    StartService();
+    service.capabilities.append(QStringLiteral("body-markup"));
+    service.whenShown = [this](uint id) {
+        emit service.NotificationClosed(id + 1, 2);
+        emit service.ActionInvoked(id, QStringLiteral("default"));
+        emit service.NotificationClosed(id, 2);
+    };
+    EXPECT_FALSE(notification.Offer(kTexts, kLongMs));
+    EXPECT_EQ(service.body, QStringLiteral("Moved &lt;3&gt; &amp; more"));
+}
+
+TEST_F(UndoNotificationTest, WhenTheTimeIsOverItIsTakenAway) {
+    StartService();
+    EXPECT_FALSE(notification.Offer(kTexts, kShortMs));
+    while (service.closed == 0)
+        Settle();
+    EXPECT_EQ(service.shown, 1);
+}
+
+TEST_F(UndoNotificationTest, WithoutServiceOrButtonsNothingIsShown) {
+    EXPECT_FALSE(notification.Offer(kTexts, kLongMs)) << "nobody there";
+    service.capabilities = {QStringLiteral("body")};
+    StartService();
+    EXPECT_FALSE(notification.Offer(kTexts, kLongMs)) << "no buttons";
+    EXPECT_EQ(service.shown, 0);
+    UndoNotification unconnected{QDBusConnection(QStringLiteral("none"))};
+    EXPECT_FALSE(unconnected.Offer(kTexts, kLongMs));
+
+    for (const char* name : {"DBUS_SESSION_BUS_ADDRESS", "XDG_RUNTIME_DIR"})
+        qunsetenv(name);
+    EXPECT_FALSE(UndoNotification::HasSessionBus());
+    qputenv("XDG_RUNTIME_DIR", "/nowhere");
+    EXPECT_FALSE(UndoNotification::HasSessionBus());
+    qputenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=/x");
+    EXPECT_TRUE(UndoNotification::HasSessionBus());
+}
+
+}  // namespace
+}  // namespace kinsort
+
+int main(int argc, char** argv) {
+    testing::InitGoogleMock(&argc, argv);
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    const QGuiApplication app(argc, argv);
+    return RUN_ALL_TESTS();
+}
+
+#include "UndoNotification_test.moc"
