@@ -104,7 +104,9 @@ void FillInFolders(std::u16string& text, const ExpansionScope& scope) {
 }
 
 void FillInPathTokens(std::u16string& text, const ExpansionScope& scope) {
-    if (text.find(u'%') != text.npos) text = scope.folders.ExpandDirectoryMacros(text);
+    const size_t first = text.find_first_of(u"%?");
+    if (first == text.npos) return;
+    if (text.find(u'%', first) != text.npos) text = scope.folders.ExpandDirectoryMacros(text);
     if (text.find(u'?') == text.npos) return;
     FillInDates(text, scope.clock);
     FillInFolders(text, scope);

@@ -25,7 +25,8 @@ std::u16string Trim(std::u16string_view text) {
 }
 
 std::u16string_view TrimView(std::u16string_view text) {
-    return WithoutEnd(WithoutStart(text, IsWhiteSpace), IsWhiteSpace);
+    const auto isWhite = [](char16_t unit) { return IsWhiteSpace(unit); };  // can be inlined, unlike a pointer
+    return WithoutEnd(WithoutStart(text, isWhite), isWhite);
 }
 
 std::u16string TrimStart(std::u16string_view text) {
