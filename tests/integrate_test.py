@@ -127,7 +127,7 @@ class Integrate(Workshop):
             words = exec_words(entry(self.data / path)[group]["Exec"])
             self.assertEqual(words, [program, "open", *(["/m"] if "kio" in path else []), "%F"])
         nemo = entry(self.data / "nemo/actions/kinsort.nemo_action")["Nemo Action"]["Exec"]
-        self.assertEqual(shlex.split(nemo), [program, "open", "%F"])
+        self.assertEqual(shlex.split(nemo), [program, "open", "%U"])
         action = ElementTree.parse(self.uca).find("action")
         self.assertEqual([word.replace("%%", "%") for word in shlex.split(action.find("command").text)],
                          [program, "open", "%F"])
