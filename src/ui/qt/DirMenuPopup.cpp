@@ -2,8 +2,10 @@
 
 #include <QAction>
 #include <QCursor>
+#include <QHash>
 #include <QMenu>
 #include <QProxyStyle>
+#include <QStyleOption>
 
 #include "ui/qt/QtText.h"
 
@@ -24,32 +26,44 @@ QString ItemText(std::u16string_view name) {
     return ToQString(name).replace(u'&', QStringLiteral("&&"));  // no accelerators
 }
 
+// The menus of the folders in it are made when they are pointed at: a menu is a window, and thousands of windows take
+// their time.
 class FolderMenu final : public QMenu {
   public:
     FolderMenu(CDirMenu& menu, CDirMenuObj& level, QStyle& style, QWidget* parent)
         : QMenu(parent), menu_(menu), level_(level), style_(style) {
         setStyle(&style);
         connect(this, &QMenu::aboutToShow, this, &FolderMenu::Fill);
+        connect(this, &QMenu::hovered, this, &FolderMenu::MakeMenuBelow);
     }
 
     void Fill() {
         if (!actions().isEmpty()) return;
         menu_.OnInitMenuPopup(level_);
         for (const DirMenuItem& item : level_.Items()) {
-            if (item.subMenu != nullptr) {
-                auto* below = new FolderMenu(menu_, *item.subMenu, style_, this);
-                below->setTitle(ItemText(item.text));
-                addMenu(below);
-            } else {
-                addAction(ItemText(item.text))->setData(item.commandId);
-            }
+            QAction* action = addAction(ItemText(item.text));
+            action->setData(item.commandId);
+            if (item.subMenu != nullptr) below_.insert(action, item.subMenu);
         }
     }
 
+  protected:
+    void initStyleOption(QStyleOptionMenuItem* option, const QAction* action) const override {
+        QMenu::initStyleOption(option, action);
+        if (below_.contains(action)) option->menuItemType = QStyleOptionMenuItem::SubMenu;
+    }
+
   private:
+    void MakeMenuBelow(QAction* action) {
+        CDirMenuObj* level = below_.value(action);
+        if (level == nullptr || action->menu() != nullptr) return;
+        action->setMenu(new FolderMenu(menu_, *level, style_, this));
+    }
+
     CDirMenu& menu_;
     CDirMenuObj& level_;
     QStyle& style_;
+    QHash<const QAction*, CDirMenuObj*> below_;  // of the folders
 };
 
 }  // namespace
