@@ -4,11 +4,11 @@
 #include <QDBusConnectionInterface>
 #include <QGuiApplication>
 #include <QProcess>
-#include <QTimer>
-#include <QVariantMap>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+
+#include "ui/qt/FakeNotifications_test.h"
 
 namespace kinsort {
 namespace {
@@ -40,40 +40,6 @@ class Bus {
     QProcess daemon_;
     QString address_;
 };
-
-}  // namespace
-
-// What the desktop does. What it was told is kept; how it answers is set by the test.
-class FakeNotifications final : public QObject {
-    Q_OBJECT
-    Q_CLASSINFO("D-Bus Interface", "org.freedesktop.Notifications")
-
-  public:
-    QStringList capabilities = {QStringLiteral("actions"), QStringLiteral("body")};
-    std::function<void(uint id)> whenShown = [](uint) {};
-    QString body;
-    QStringList actions;
-    int shown = 0;
-    int closed = 0;
-
-  public slots:
-    QStringList GetCapabilities() { return capabilities; }
-    uint Notify(const QString&, uint, const QString&, const QString&, const QString& text, const QStringList& labels,
-                const QVariantMap&, int) {
-        body = text;
-        actions = labels;
-        const uint id = 40 + static_cast<uint>(++shown);
-        QTimer::singleShot(0, this, [this, id] { whenShown(id); });
-        return id;
-    }
-    void CloseNotification(uint) { ++closed; }
-
-  signals:
-    void ActionInvoked(uint id, const QString& action);
-    void NotificationClosed(uint id, uint reason);
-};
-
-namespace {
 
 class UndoNotificationTest : public testing::Test {
   protected:
@@ -157,5 +123,3 @@ int main(int argc, char** argv) {
     const QGuiApplication app(argc, argv);
     return RUN_ALL_TESTS();
 }
-
-#include "UndoNotification_test.moc"
