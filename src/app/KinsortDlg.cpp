@@ -133,6 +133,7 @@ void CKinsortDlg::OnDrop(std::span<const std::byte> dropList) {
 
 void CKinsortDlg::OnDropFiles(const std::vector<std::u16string>& paths) {
     std::vector<std::u16string> clean;
+    clean.reserve(paths.size());
     for (const std::u16string& path : paths)
         clean.push_back(RemoveLongPathPrefix(path));
     if (m_bTwoStep == 0 || m_nLoadState == 0) {
@@ -193,6 +194,7 @@ void CKinsortDlg::OnOtherTabFolder() {
         return;
     }
     std::vector<std::u16string> texts;
+    texts.reserve(folders.size());
     for (const std::u16string& folder : folders)
         texts.push_back(m_services.folderText.ToShown(folder));
     const std::optional<size_t> chosen = m_view.ShowPopupMenu(kIdOtherTabs, texts);

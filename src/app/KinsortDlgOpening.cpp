@@ -28,6 +28,7 @@ class DialogTextsOfView final : public DialogTextTarget {
     void SetTitle(std::u16string_view title) override { view_.SetTitle(title); }
     std::vector<DialogControlTexts> Controls() override {
         std::vector<DialogControlTexts> controls;
+        controls.reserve(kDialogControls.size());
         for (const DialogControl& control : kDialogControls) {
             controls.push_back(
                 {control.id, std::u16string(WindowClassOf(control.kind)), view_.ControlText(control.id), {}});

@@ -280,7 +280,7 @@ TEST_F(OperationPresenterTest, StopsAndIsSilentWhenTheSessionEnds) {
 }
 
 TEST_F(OperationPresenterTest, AsksWhatToDoAboutAFullVolume) {
-    disk.AddVolume("/small", {.bytes = 3 * 4096});
+    disk.AddVolume("/small", {.bytes = 12'288});
     disk.MakeFolders("/small/S");
     disk.WriteFile("/in/big", std::string(100'000, 'x'));
     screen.buttons = {0, 1, 1};  // again, skip, close
@@ -319,16 +319,16 @@ TEST_F(OperationPresenterTest, OffersToRecoverWhatACrashTore) {
     const struct {
         const char* what;
         bool isUndoTorn;
+        int title;
         size_t button;
         const char* after;  // null: as the crash left it
-        int title;
     } cases[] = {
-        {"leave", false, 2, nullptr, 0},
-        {"finish", false, 0, kMoved, kMsgProgressMove},
-        {"undo", false, 1, kBefore, kMsgProgressUndo},
-        {"leave the undo", true, 2, nullptr, 0},
-        {"finish the undo", true, 0, kBefore, kMsgProgressUndo},
-        {"undo the undo", true, 1, kMoved, kMsgProgressRedo},
+        {"leave", false, 0, 2, nullptr},
+        {"finish", false, kMsgProgressMove, 0, kMoved},
+        {"undo", false, kMsgProgressUndo, 1, kBefore},
+        {"leave the undo", true, 0, 2, nullptr},
+        {"finish the undo", true, kMsgProgressUndo, 0, kBefore},
+        {"undo the undo", true, kMsgProgressRedo, 1, kMoved},
     };
     for (const auto& one : cases) {
         SCOPED_TRACE(one.what);
