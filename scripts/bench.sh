@@ -4,16 +4,17 @@
 #   scripts/bench.sh matching    the search for the best folder: processor time, against other means
 #   scripts/bench.sh batches     copies and moves of thousands of files, against cp and mv
 #   scripts/bench.sh startup     the time until kinsort --version has ended, against python3 -c pass
-#   scripts/bench.sh dialog      how long the dialog lets its user wait: a million rows, completion; off screen
+#   scripts/bench.sh scripts     a script's loop of a million lines, against dash
+#   scripts/bench.sh dialog      the dialog until it stands there, against zenity --list; a million rows, completion
 # A folder on the volume to measure can be given in KINSORT_BENCH_WORK (else the folder for temporary files).
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
-kinds=(matching batches startup dialog)
+kinds=(matching batches startup scripts dialog)
 case ${1-} in
   "") ;;
-  matching | batches | startup | dialog) kinds=("$1") ;;
-  -h | --help) sed -n '2,8s/^# \?//p' "$0"; exit 0 ;;
+  matching | batches | startup | scripts | dialog) kinds=("$1") ;;
+  -h | --help) sed -n '2,9s/^# \?//p' "$0"; exit 0 ;;
   *) echo "bench.sh: unknown argument $1 (see --help)" >&2; exit 2 ;;
 esac
 
@@ -22,7 +23,7 @@ python=/usr/bin/python3
 scripts/setup.sh --with bench
 log=$(mktemp)
 trap 'rm -f "$log"' EXIT
-{ cmake --preset release && cmake --build --preset release --target kinsort bench_matching bench_dialog; } >"$log" 2>&1 || {
+{ cmake --preset release && cmake --build --preset release --target kinsort KinsortDialog bench_matching bench_dialog; } >"$log" 2>&1 || {
   cat "$log" >&2
   echo "bench.sh: the build failed, see above" >&2
   exit 1
@@ -32,7 +33,11 @@ matching() { KINSORT_PYTHON=$python build/release/obj/bench_matching; }
 batches() {
   "$python" -B bench/batches.py build/release/bin/kinsort ${KINSORT_BENCH_WORK:+--work "$KINSORT_BENCH_WORK"}
 }
-dialog() { build/release/obj/bench_dialog; }
+dialog() {
+  "$python" -B bench/dialog.py build/release/vel/command/Default/Kinsort
+  build/release/obj/bench_dialog
+}
+scripts() { "$python" -B bench/scripts.py build/release/bin/kinsort; }
 startup() { "$python" -B bench/startup.py build/release/bin/kinsort; }
 
 echo "bench: $(nproc) cores, load $(cut -d' ' -f1 /proc/loadavg), $(uname -sm)"

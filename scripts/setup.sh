@@ -35,6 +35,7 @@ packages=(
 # Only scripts/bench.sh needs these.
 for_bench=(
   "python3-levenshtein  a peer of the matching benchmark"
+  "zenity               a peer of the dialog benchmark"
 )
 case "$*" in
   "") ;;
