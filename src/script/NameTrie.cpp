@@ -10,7 +10,9 @@ constexpr size_t kFirstPlaces = 64;
 
 }  // namespace
 
-NameTrie::NameTrie() : numbers_{kNone}, edges_(kFirstPlaces) {}
+NameTrie::NameTrie() : numbers_{kNone}, edges_(kFirstPlaces) {
+    firstChildren_.fill(kNone);
+}
 
 void NameTrie::Grow() {
     const std::vector<Edge> old = std::exchange(edges_, std::vector<Edge>(edges_.size() * 2));
@@ -26,6 +28,7 @@ void NameTrie::Add(std::u16string_view name, uint32_t number) {
         Edge& edge = edges_[PlaceOf(Key(node, unit))];
         if (edge.key == 0) {
             edge = {Key(node, unit), static_cast<uint32_t>(numbers_.size())};
+            if (node == kRoot && unit < kDirectUnits) firstChildren_[unit] = edge.child;
             numbers_.push_back(kNone);
         }
         node = edge.child;

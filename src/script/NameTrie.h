@@ -38,6 +38,7 @@ class NameTrie {
 
   private:
     static constexpr uint32_t kRoot = 0;
+    static constexpr size_t kDirectUnits = 128;
 
     // One edge of the tree, in an open-addressed table: from a node, by a unit, to a child.
     struct Edge {
@@ -53,14 +54,18 @@ class NameTrie {
             place = (place + 1) & mask;
         return place;
     }
-    uint32_t Child(uint32_t node, char16_t unit) const { return edges_[PlaceOf(Key(node, unit))].child; }
+    uint32_t Child(uint32_t node, char16_t unit) const {
+        if (node == kRoot && unit < kDirectUnits) return firstChildren_[unit];
+        return edges_[PlaceOf(Key(node, unit))].child;
+    }
     void Grow();
 
     bool MayBegin(char16_t unit) const { return (firstUnits_[unit >> 6 & 3] >> (unit & 63) & 1) != 0; }
 
-    std::vector<uint32_t> numbers_;         // of each node, kNone where no name ends
-    std::vector<Edge> edges_;               // a power of two of places, at most half of them taken
-    std::array<uint64_t, 4> firstUnits_{};  // a bit for the low byte of each first unit
+    std::vector<uint32_t> numbers_;                     // of each node, kNone where no name ends
+    std::vector<Edge> edges_;                           // a power of two of places, at most half of them taken
+    std::array<uint32_t, kDirectUnits> firstChildren_;  // of the root, once more, by unit
+    std::array<uint64_t, 4> firstUnits_{};              // a bit for the low byte of each first unit
 };
 
 }  // namespace kinsort

@@ -1,0 +1,64 @@
+"""Processor time of a script's loop against the same loop in dash, and with more variables.
+
+  python3 bench/scripts.py build/release/bin/kinsort [--lines 1000000]
+
+A million lines: a loop with a condition, sums, a block and a text. Each program runs five times, one after the other,
+and its best time counts: time that other programs take is not in it.
+"""
+
+import argparse
+import os
+import resource
+import subprocess
+import tempfile
+
+LINES_OF_BODY = 7
+
+
+def script(turns, variables):
+    lines = [f"var more{chr(97 + i // 26)}{chr(97 + i % 26)} = {i}" for i in range(variables - 4)]
+    lines += ["var idx = 0", "var sum = 0", "var part", "var word", "do", "idx=+1", "sum=sum+idx*2", "if idx > 1000",
+              "part=idx%7", "endif", "word=text", f"while idx < {turns}"]
+    return "".join(line + "\n" for line in lines).encode("utf-16-le")
+
+
+def shell(turns, variables):
+    lines = [f"more{i}={i}" for i in range(variables - 4)]
+    lines += ["idx=0", "sum=0", f"while [ $idx -lt {turns} ]", "do", "idx=$((idx+1))", "sum=$((sum+idx*2))",
+              "if [ $idx -gt 1000 ]; then", "part=$((idx%7))", "fi", "word=text", "done"]
+    return "".join(line + "\n" for line in lines).encode()
+
+
+def best_time(command):
+    """Seconds of processor time, the best of five."""
+    times = []
+    for _ in range(5):
+        before = resource.getrusage(resource.RUSAGE_CHILDREN)
+        subprocess.run(command, check=True, stdin=subprocess.DEVNULL)
+        after = resource.getrusage(resource.RUSAGE_CHILDREN)
+        times.append(after.ru_utime + after.ru_stime - before.ru_utime - before.ru_stime)
+    return min(times)
+
+
+def main():
+    parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
+    parser.add_argument("kinsort")
+    parser.add_argument("--lines", type=int, default=1_000_000)
+    options = parser.parse_args()
+    turns = options.lines // LINES_OF_BODY
+    with tempfile.TemporaryDirectory() as folder:
+        def write(name, content):
+            with open(os.path.join(folder, name), "wb") as file:
+                file.write(content)
+            return file.name
+
+        peer = best_time(["dash", write("loop.sh", shell(turns, 20))])
+        ours = {count: best_time([options.kinsort, "script", "run", write(f"{count}.ecs", script(turns, count))])
+                for count in (4, 20, 100)}
+    print(f"{options.lines} lines, 20 variables: kinsort {ours[20]:.3f} s, dash {peer:.3f} s, "
+          f"ratio {ours[20] / peer:.2f}")
+    print(f"4 variables {ours[4]:.3f} s, 100 variables {ours[100]:.3f} s, ratio {ours[100] / ours[4]:.2f}")
+
+
+if __name__ == "__main__":
+    main()
