@@ -43,7 +43,7 @@ TEST_F(MessageListingTest, TextsAreShownWithTheNameOfTheirCode) {
     EXPECT_TRUE(jumps_[0].isFile);
     EXPECT_EQ(Text(901, u"3/Z:\\a"), "favoritejump 901: 3/Z:\\a\n");
     EXPECT_EQ(Text(800, u""), "select 800: \n");
-    EXPECT_EQ(Text(77, u"\u3042\x1B[2J\n\u202Ex"), "data 77: \u3042\\x1B[2J\\x0A\\u202Ex\n");
+    EXPECT_EQ(Text(77, u"\u3042\x1B[2J\n\u202Ex"), "data 77: \u3042\\x1b[2J\\x0a\\u202ex\n");
     EXPECT_TRUE(jumps_.empty());
     EXPECT_EQ(Text(100, u""), "folderjump 100: \n");
     EXPECT_TRUE(jumps_.empty());
@@ -52,7 +52,7 @@ TEST_F(MessageListingTest, TextsAreShownWithTheNameOfTheirCode) {
         Text(100, u"Z:\\a\"b", true),
         "{\"kind\": \"data\", \"code\": 100, \"name\": \"folderjump\", \"sender\": 7, \"text\": \"Z:\\\\a\\\"b\", "
         "\"path\": \"/a\\\"b\"}\n");
-    EXPECT_EQ(Text(77, u"x\ny", true), "{\"kind\": \"data\", \"code\": 77, \"sender\": 7, \"text\": \"x\\ny\"}\n");
+    EXPECT_EQ(Text(77, u"x\ny", true), "{\"kind\": \"data\", \"code\": 77, \"sender\": 7, \"text\": \"x\\u000ay\"}\n");
 }
 
 TEST_F(MessageListingTest, WhatIsNoTextIsShownAsBytes) {
@@ -80,7 +80,7 @@ TEST_F(MessageListingTest, NumbersAreSignedAndItemsAreListed) {
     const std::u16string block = u"1\t1\tZ:\\cur\\\topt\tZ:\\x\tZ:\\tab\t";
     EXPECT_EQ(Text(255, block), "items 255: 1 item\n  /x\n");
     EXPECT_EQ(Text(255, block, true),
-              "{\"kind\": \"data\", \"code\": 255, \"name\": \"items\", \"sender\": 7, \"folder\": \"/cur/\", "
+              "{\"kind\": \"data\", \"code\": 255, \"name\": \"items\", \"sender\": 7, \"folder\": \"/cur\", "
               "\"option\": \"opt\", \"items\": [{\"path\": \"/x\"}], \"other_tabs\": [{\"path\": \"/tab\"}]}\n");
 }
 

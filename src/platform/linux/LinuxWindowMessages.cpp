@@ -28,7 +28,7 @@ using SteadyTime = std::chrono::steady_clock;
 using Moment = SteadyTime::time_point;
 
 // Between two tries when nothing announces that another one would succeed.
-constexpr std::chrono::milliseconds kRetry{10};
+constexpr std::chrono::milliseconds kRetry{2};
 
 Status WindowGone() {
     return StatusFromErrno(ESRCH, StatusCode::kNotFound);
