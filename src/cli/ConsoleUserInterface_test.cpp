@@ -58,7 +58,7 @@ TEST_F(ConsoleUserInterfaceTest, AsksUntilTheReplyIsAButton) {
     EXPECT_EQ(ui.ShowMessage(Box(MessageButtons::kYesNo)), kNo) << "the end of input closes the box";
     EXPECT_EQ(ui.ShowMessage(Box(MessageButtons::kYesNoCancel)), kCancel);
     EXPECT_EQ(ui.ShowMessage(Box(MessageButtons::kOk, u"Syntax error!\nif\x1B[2J")), kOk);
-    EXPECT_TRUE(TakeMessages().ends_with("Syntax error!\nif\\x1B[2J\n")) << "no byte steers the terminal";
+    EXPECT_TRUE(TakeMessages().ends_with("Syntax error!\nif\\x1b[2J\n")) << "no byte steers the terminal";
 }
 
 TEST_F(ConsoleUserInterfaceTest, AnswersByItselfWhereItMay) {
