@@ -169,7 +169,7 @@ struct DialogWorld {
 
     DialogWorld() {
         std::u16string texts;
-        for (const int number : {62304, 62325, 62401, 62402, 63503, 64095})
+        for (const int number : {62304, 62325, 62401, 62402, 63503, 64080, 64095, 64096})
             texts += FromUtf8(std::to_string(number) + "\tm" + std::to_string(number) + "\r\n");
         files.SetContent(u"Z:\\opt\\vel\\Lang\\Msg.ja-JP.txt", InFile(texts));
         files.AddFolder(u"Z:\\sorted\\report");

@@ -87,6 +87,7 @@ enum MessageNumber : uint16_t {
 
     // The dialog.
     kMsgFolderTooLong = 64095,  // %1 characters that the folder field takes at most
+    kMsgScriptRuns = 64096,     // above the name of a script that has run for some seconds
 
     // Why something failed: this plus the value of its StatusCode. Of kOther: %1 the system's text.
     kMsgStatusFirst = 64100,

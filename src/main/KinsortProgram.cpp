@@ -3,6 +3,7 @@
 #include <cstdlib>
 #include <utility>
 
+#include "app/ScriptStop.h"
 #include "framework/MessageNumbers.h"
 #include "platform/linux/IcuCodePages.h"
 #include "platform/linux/IcuLocaleMap.h"
@@ -111,7 +112,14 @@ void KinsortProgram::Run(std::vector<std::string> arguments) {
         .processes = processes_,
         .handOff = handOff_,
         .operation = operation_,
-        .runScript = [&scripts](const ScriptCall& call) { (void)RunScript(scripts, call); },
+        .runScript =
+            [&](const ScriptCall& call) {
+                ScriptStop stop(*platform_.clock, messages_, scriptStop_, folderText_.ToShown(call.scriptPath));
+                ScriptServices stoppable = scripts;
+                stoppable.pulse = &stop;
+                stoppable.cancel = &stop.token();
+                (void)RunScript(stoppable, call);
+            },
     };
     view_.CallSoon([this] { TellOfDamage(); });
     CKinsortApp application({view_, dialog, platform_.memory, platform_.environment, *platform_.codec, HomeFolder()},

@@ -19,6 +19,7 @@
 #include "ui/qt/QtKinsortDlgView.h"
 #include "ui/qt/QtOperationView.h"
 #include "ui/qt/QtProgram.h"
+#include "ui/qt/ScriptStopWindow.h"
 
 namespace kinsort {
 
@@ -74,6 +75,7 @@ class KinsortProgram {
     OperationPresenter operation_;
     QtIcons icons_;
     QtKinsortDlgView view_;
+    QtScriptStopView scriptStop_;
     HostHandOff handOff_;
     LaunchWorkers launches_;  // goes before everything that a launch works with
 };

@@ -61,6 +61,7 @@ LineOutcome ScriptRun::Decline() {
 }
 
 bool ScriptRun::isCancelled() const {
+    if (services.pulse != nullptr) services.pulse->OnPulse();
     return services.cancel != nullptr && services.cancel->isCancelled();
 }
 

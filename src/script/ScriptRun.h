@@ -86,6 +86,7 @@ struct ScriptRun {
 
     // --- waiting -----------------------------------------------------------------------------------------------------
 
+    // Lets services.pulse have its turn, too: who waits asks this again and again.
     bool isCancelled() const;
     // Waits that long, unless the run is cancelled meanwhile; nothing for 0 and less.
     void Pause(int32_t milliseconds);

@@ -33,6 +33,15 @@ class ScriptObserver {
     virtual void OnLine(ScriptRun& run, const ScriptLine& line) = 0;
 };
 
+// Somebody who must get a turn while a script runs.
+class ScriptPulse {
+  public:
+    virtual ~ScriptPulse() = default;
+    // Before every line and many times a second while the script waits, on its thread; never while it waits for an
+    // answer of its user. May cancel the run.
+    virtual void OnPulse() = 0;
+};
+
 // Of all names and values of variables together: 256 MB, which no sound script meets.
 constexpr size_t kMaxVariableUnits = size_t{128} << 20;
 
@@ -56,6 +65,7 @@ struct ScriptServices {
     const LocaleMap& locale;
     ScriptObserver* observer = nullptr;   // optional
     const CancelToken* cancel = nullptr;  // optional; looked at before every line and while waiting
+    ScriptPulse* pulse = nullptr;         // optional
     size_t maxVariableUnits = kMaxVariableUnits;
 };
 
