@@ -8,6 +8,7 @@
 #include <QLineEdit>
 #include <QMimeData>
 #include <QProcess>
+#include <QScrollBar>
 #include <QStyleOptionButton>
 #include <QTest>
 #include <QTreeView>
@@ -129,6 +130,7 @@ TEST_F(KinsortProgramTest, OneRequestFromTheHandOffToTheUndo) {
     });
     Run({"/m"}, [&](KinsortWindow& window) {
         EXPECT_EQ(window.Text(kIdCount), QStringLiteral("(3)"));
+        EXPECT_EQ(window.List().horizontalScrollBar()->maximum(), 0) << "the columns fit the list";
         EXPECT_TRUE(dynamic_cast<QAbstractButton*>(window.Control(kIdMove))->isChecked());
         window.Folder().setFocus();
         QTest::keyClicks(window.Folder().lineEdit(), QString::fromStdString(folder.path() + "/sorted"));
