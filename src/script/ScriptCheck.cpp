@@ -64,7 +64,9 @@ std::optional<std::vector<ScriptFinding>> CheckScript(FileSystem& files, std::u1
     if (file.Open(path) == 0) return std::nullopt;
     FindingList findings;
     if (LooksLikeBytes(file.GetText())) {
-        findings.Add({1, 1, 0, "encoding", u"the file is not in UTF-16, which scripts are read as", u""});
+        findings.Add({1, 1, 0, "encoding",
+                      u"the file is not in UTF-16, which scripts are read as; encode it: iconv -f UTF-8 -t UTF-16",
+                      u""});
         return findings.Take();
     }
     const CheckedScript script = ReadLines(file, findings);
