@@ -24,6 +24,8 @@ EXTRA = (
     # The engine's tests on the real system set up what no interface offers: mounts, limits, attributes, other users.
     (re.compile(r"src/fileop/RealDisk\w*_test\.(cpp|h)"), re.compile(r"(linux/|sys/)?\w+\.h")),
     (re.compile(r"src/main/.+"), re.compile(r"clocale")),  # the program's start sets the locale
+    # The dialog's program is tested through its real widgets.
+    (re.compile(r"src/main/KinsortProgram_test\.cpp"), re.compile(r"Q\w+")),
     (re.compile(r"src/.+Avx(2|512)\.cpp"), re.compile(r"immintrin\.h")),  # built only where CMake finds the processor
 )
 

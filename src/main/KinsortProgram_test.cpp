@@ -8,7 +8,6 @@
 #include <QLineEdit>
 #include <QMimeData>
 #include <QProcess>
-#include <QScrollBar>
 #include <QStyleOptionButton>
 #include <QTest>
 #include <QTreeView>
@@ -130,7 +129,6 @@ TEST_F(KinsortProgramTest, OneRequestFromTheHandOffToTheUndo) {
     });
     Run({"/m"}, [&](KinsortWindow& window) {
         EXPECT_EQ(window.Text(kIdCount), QStringLiteral("(3)"));
-        EXPECT_EQ(window.List().horizontalScrollBar()->maximum(), 0) << "the columns fit the list";
         EXPECT_TRUE(dynamic_cast<QAbstractButton*>(window.Control(kIdMove))->isChecked());
         window.Folder().setFocus();
         QTest::keyClicks(window.Folder().lineEdit(), QString::fromStdString(folder.path() + "/sorted"));
@@ -236,6 +234,8 @@ TEST_F(KinsortProgramTest, NoTextIsCutInEitherLanguage) {
             Run({}, [&](KinsortWindow& window) {
                 EXPECT_EQ(window.Text(kIdMove).contains(QStringLiteral("Move")),
                           std::u16string_view(suffix) == u".en-US");
+                EXPECT_LE(window.List().columnWidth(0) + window.List().columnWidth(1),
+                          window.List().viewport()->width());
                 for (const bool isSmallest : {false, true}) {
                     if (isSmallest) window.resize(window.minimumSize());
                     for (const DialogControl& control : kDialogControls) {

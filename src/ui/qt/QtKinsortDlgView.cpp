@@ -181,9 +181,9 @@ void QtKinsortDlgView::PrepareList() {}  // the widget draws icons and selects r
 
 void QtKinsortDlgView::InsertListColumn(size_t index, std::u16string_view title, int width) {
     QHeaderView& header = *window_.List().horizontalHeader();
-    header.setStretchLastSection(false);
+    header.setSectionResizeMode(QHeaderView::Interactive);
     window_.List().InsertColumn(static_cast<int>(index), ToQString(title), width);
-    header.setStretchLastSection(true);  // wide enough for the list, however narrow that is
+    header.setSectionResizeMode(header.count() - 1, QHeaderView::Stretch);  // never wider than the list
 }
 
 void QtKinsortDlgView::SetListCount(size_t count) {
