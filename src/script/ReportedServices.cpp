@@ -344,6 +344,7 @@ struct ReportedServices::Decorators {
                    .locale = inner.locale,
                    .observer = inner.observer,
                    .cancel = inner.cancel,
+                   .pulse = inner.pulse,
                    .maxVariableUnits = inner.maxVariableUnits} {}
 
     static std::u16string CommandName(const Settings& settings) {
