@@ -199,6 +199,24 @@ TEST_F(KinsortProgramTest, OtherProgramsAndDropsReachTheDialog) {
     EXPECT_EQ(Read(In("Invoice 2024.pdf")), "new");
 }
 
+TEST_F(KinsortProgramTest, WithoutADisplayOneLineSaysSo) {
+    for (const char* display : {"", ":4711", "nonsense"}) {
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        for (const char* name : {"QT_QPA_PLATFORM", "WAYLAND_DISPLAY"})
+            environment.remove(QString::fromLatin1(name));
+        environment.insert(QStringLiteral("DISPLAY"), QString::fromLatin1(display));
+        QProcess program;
+        program.setProcessEnvironment(environment);
+        program.start(QStringLiteral(KINSORT_PROGRAM_FILE), QStringList());
+        EXPECT_TRUE(program.waitForFinished());
+        EXPECT_EQ(program.exitStatus(), QProcess::NormalExit);
+        EXPECT_EQ(program.exitCode(), QtProgram::kNoDisplayExitCode);
+        const QByteArray said = program.readAllStandardError();
+        EXPECT_TRUE(said.startsWith("Kinsort: there is no display")) << said.toStdString();
+        EXPECT_EQ(said.count('\n'), 1) << said.toStdString();
+    }
+}
+
 // The room that a control's style leaves for its text, and what the text takes.
 void ExpectNotCut(const QWidget& widget, const QString& what) {
     const QFontMetrics metrics = widget.fontMetrics();

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cstdlib>
 #include <numeric>
-#include <ranges>
 
 namespace kinsort {
 namespace {
@@ -125,10 +124,12 @@ void DialogLayout::PlaceRows(int templateHeight) {
     height_ = ToY(templateHeight);
     std::vector<PlacedRow> above;
     for (const std::vector<size_t>& row : Rows()) {
-        const auto topOf = [this](size_t i) { return items_[i].place.y; };
-        const auto bottomOf = [this](size_t i) { return items_[i].place.y + items_[i].place.height; };
-        const int top = std::ranges::min(row | std::views::transform(topOf));
-        const int bottom = std::ranges::max(row | std::views::transform(bottomOf));
+        int top = items_[row[0]].place.y;
+        int bottom = top;
+        for (size_t i : row) {
+            top = std::min(top, items_[i].place.y);
+            bottom = std::max(bottom, items_[i].place.y + items_[i].place.height);
+        }
         int y = ToY(top);
         for (const PlacedRow& other : above) {
             if (other.bottom <= top) y = std::max(y, other.pixelsBottom + ToY(top - other.bottom));
