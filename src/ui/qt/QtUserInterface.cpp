@@ -204,11 +204,7 @@ bool QtUserInterface::IsKeyDown(ModifierKey key) {
 }
 
 void QtUserInterface::BringToForeground(WindowHandle window) {
-    if (window == kNoWindow) return;
-    if (window != MainWindow()) {
-        if (foreign_) foreign_(window);
-        return;
-    }
+    if (window == kNoWindow || window != MainWindow()) return;
     mainWindow_->raise();
     mainWindow_->activateWindow();
 }

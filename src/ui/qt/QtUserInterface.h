@@ -3,7 +3,6 @@
 
 #include <QPointer>
 #include <QWidget>
-#include <functional>
 
 #include "platform/PathCodec.h"
 #include "platform/UserInterface.h"
@@ -18,8 +17,6 @@ class QtUserInterface final : public UserInterface {
 
     // The program's main window and the number by which it is known to other programs. Null when it is gone.
     void SetMainWindow(QWidget* window, WindowHandle handle);
-    // What puts a window of another program in front; without it such a request has no effect.
-    void SetForeignForeground(std::function<void(WindowHandle)> bringForward) { foreign_ = std::move(bringForward); }
 
     MessageAnswer ShowMessage(const MessageRequest& request) override;
     std::optional<size_t> ChooseOne(const ChoiceRequest& request) override;
@@ -28,6 +25,7 @@ class QtUserInterface final : public UserInterface {
     void SetClipboardText(std::u16string_view text) override;
     bool IsKeyDown(ModifierKey key) override;
     WindowHandle MainWindow() override { return mainWindow_.isNull() ? kNoWindow : mainHandle_; }
+    // Of windows of other programs none: a program started from one gives the focus back when its windows go.
     void BringToForeground(WindowHandle window) override;
     std::optional<ScreenRectangle> WindowRectangle(WindowHandle window) override;
     std::optional<ScreenRectangle> WorkArea(WindowHandle window) override;
@@ -40,7 +38,6 @@ class QtUserInterface final : public UserInterface {
     const WindowTexts& texts_;
     QPointer<QWidget> mainWindow_;
     WindowHandle mainHandle_ = kNoWindow;
-    std::function<void(WindowHandle)> foreign_;
 };
 
 }  // namespace kinsort
