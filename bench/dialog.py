@@ -1,6 +1,7 @@
 #!/usr/bin/env python3
 """How long the dialog takes until it stands there with 100 items, against zenity --list with the same rows, in turn on
-one virtual display; and how much memory it keeps. Watched is the display's own memory: the time counts from the start
+one virtual display; and how much memory it keeps. Then 100,000 items that are sorted into 1,000 folders, until their
+candidates are seen, against the dialog with ten items and the command line's plan of the same work. Watched is the display's own memory: the time counts from the start
 of the program to the first moment at which the picture is what it stays.
 
 usage: dialog.py KINSORT_DIALOG [RUNS]
@@ -22,6 +23,8 @@ ITEMS = 100
 FOLDERS = 20
 QUIET_SECONDS = 0.8  # so long nothing changes: the picture is done
 GIVE_UP_SECONDS = 20
+MANY_ITEMS, MANY_FOLDERS, MANY_RUNS = 100_000, 1_000, 5
+LETTERS = "bcdfghklmnprstvz"
 ALIKE = 0.97  # of the lines: a blinking caret does not count
 
 
@@ -106,6 +109,42 @@ def hand_off(runtime, items):
     return f"0:0:1:1:{len(block)}:0:0:0:Share:0"
 
 
+def word(number):
+    """A word of its own for every number: matching must be sure where each file goes."""
+    return "".join(LETTERS[(number >> shift) & 15] + "aeio"[(number >> (shift + 4)) & 3] for shift in (0, 6, 12))
+
+
+def many(display, dialog, stage, environment):
+    """Prints the ratio for many items."""
+    top = os.path.join(stage, "many")
+    names = [word(i * 37 + 5) for i in range(MANY_FOLDERS)]
+    for name in names:
+        os.makedirs(os.path.join(top, "to", name))
+    os.mkdir(os.path.join(top, "in"))
+    items = [os.path.join(top, "in", f"{names[i * 7 % MANY_FOLDERS]} {i:06}.bin") for i in range(MANY_ITEMS)]
+    for item in items:
+        open(item, "w").close()
+    listing = os.path.join(top, "list")
+    with open(listing, "w") as out:
+        out.write("\0".join(items))
+    kinsort = os.path.join(os.path.dirname(dialog), "../../../bin/kinsort")
+    plan = [kinsort, "plan", "--quiet", "--to", os.path.join(top, "to"), "--files-from", listing]
+
+    def shown(count):
+        environment["VEL_ExCommand"] = hand_off(environment["XDG_RUNTIME_DIR"], items[:count])
+        return start_to_picture(display, [dialog, os.path.join(top, "to")], environment)[0]
+
+    def planned():
+        begun = time.perf_counter()
+        subprocess.run(plan, env=environment, stdout=subprocess.DEVNULL, check=True)
+        return time.perf_counter() - begun
+
+    taken = [(shown(MANY_ITEMS), shown(10), planned()) for _ in range(MANY_RUNS)]
+    all_items, ten, plans = (statistics.median(run[i] for run in taken) * 1e3 for i in range(3))
+    print(f"{MANY_ITEMS:,} items, {MANY_FOLDERS:,} folders: {all_items:.0f} ms; with 10 items {ten:.0f} ms, the plan "
+          f"alone {plans:.0f} ms; ratio {all_items / (ten + plans):.2f}")
+
+
 def main():
     dialog = os.path.abspath(sys.argv[1])
     runs = int(sys.argv[2]) if len(sys.argv) > 2 else RUNS
@@ -137,6 +176,11 @@ def main():
                 result = start_to_picture(display, command, environment)
                 if run >= 2:  # the first runs fill caches
                     results[name].append(result)
+        report(results, runs)
+        many(display, dialog, stage, environment)
+
+
+def report(results, runs):
     print(f"{ITEMS} rows, {runs} runs in turn: milliseconds until they are drawn, median (middle half); memory in MB")
     for name, taken in results.items():
         quarter, median, three_quarters = (at * 1e3 for at in statistics.quantiles([t[0] for t in taken], n=4))
