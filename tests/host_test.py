@@ -17,6 +17,8 @@ class Listener:
         self.process = subprocess.Popen([os.path.abspath(KINSORT), "host", "listen", *arguments], cwd=workshop.top,
                                         env=workshop.environment, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
                                         stderr=subprocess.PIPE)
+        workshop.addCleanup(self.process.stderr.close)
+        workshop.addCleanup(self.process.stdout.close)
         workshop.addCleanup(self.process.wait)
         workshop.addCleanup(self.process.kill)
         self.begin = self.process.stderr.readline().decode()

@@ -5,7 +5,7 @@ import signal
 import subprocess
 import unittest
 
-from workshop import KINSORT, Workshop
+from workshop import KINSORT, Workshop, snapshot
 
 
 class Script(Workshop):
@@ -95,6 +95,24 @@ class Script(Workshop):
         self.assertEqual(done.messages, "script.ecs:2: var amount=2\n"
                                         "script.ecs:3: if amount == 3  ->  if 2 == 3\n"
                                         "script.ecs:6: amount=+40\n")
+
+    def test_a_thousand_calls_leave_nothing_behind(self):
+        temporary = os.path.join(self.top, "temporary")
+        os.mkdir(temporary)
+        self.environment["TMPDIR"] = temporary
+        # Children and descriptors of the program that runs the script, itself a child of it.
+        self.make_file(self.top, "look", b"""#!/bin/sh
+grep -ls "^PPid:[[:space:]]*$PPID\$" /proc/[0-9]*/status | wc -l
+ls -l /proc/$PPID/fd | sed '1d; s/.* \\([0-9]* ->\\)/\\1/; s/[0-9]*\\]//'
+""", mode=0o755)
+        seen = []
+        for calls in (1, 1000):
+            done = self.run_script("var idx=0", "do", "idx=+1", "call=true", f"while idx < {calls}",
+                                   "call=?nowdir?\\look")
+            seen.append((done.messages, sorted(snapshot(self.top))))
+        self.assertEqual(seen[0][0].split()[0], "1", seen[0])
+        self.assertEqual(seen[1], seen[0])
+        self.assertEqual(os.listdir(temporary), [])
 
     def test_ctrl_c_stops_a_loop_and_a_wait(self):
         for lines in (["do", "while 1 == 1"], ["wait=600000"], ["call=sleep 600"]):
