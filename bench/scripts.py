@@ -1,9 +1,10 @@
-"""Processor time of a script's loop against the same loop in dash, and with more variables.
+"""Processor time of a script's loops against the same loops in dash.
 
-  python3 bench/scripts.py build/release/bin/kinsort [--lines 1000000]
+  python3 bench/scripts.py build/release/bin/kinsort [--lines 1000000] [--calls 1000]
 
-A million lines: a loop with a condition, sums, a block and a text. Each program runs five times, one after the other,
-and its best time counts: time that other programs take is not in it.
+A million lines: a loop with a condition, sums, a block and a text, with more and fewer variables. A thousand calls of
+/bin/true, each waited for. Each program runs five times, one after the other, and its best time counts: time that other
+programs take is not in it.
 """
 
 import argparse
@@ -29,6 +30,15 @@ def shell(turns, variables):
     return "".join(line + "\n" for line in lines).encode()
 
 
+def calling_script(calls):
+    return "".join(line + "\n" for line in ("var idx=0", "do", "idx=+1", "call=Z:\\bin\\true",
+                                            f"while idx < {calls}")).encode("utf-16-le")
+
+
+def calling_shell(calls):
+    return f"idx=0\nwhile [ $idx -lt {calls} ]\ndo\nidx=$((idx+1))\n/bin/true\ndone\n".encode()
+
+
 def best_time(command):
     """Seconds of processor time, the best of five."""
     times = []
@@ -44,6 +54,7 @@ def main():
     parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
     parser.add_argument("kinsort")
     parser.add_argument("--lines", type=int, default=1_000_000)
+    parser.add_argument("--calls", type=int, default=1_000)
     options = parser.parse_args()
     turns = options.lines // LINES_OF_BODY
     with tempfile.TemporaryDirectory() as folder:
@@ -55,9 +66,13 @@ def main():
         peer = best_time(["dash", write("loop.sh", shell(turns, 20))])
         ours = {count: best_time([options.kinsort, "script", "run", write(f"{count}.ecs", script(turns, count))])
                 for count in (4, 20, 100)}
+        calling_peer = best_time(["dash", write("call.sh", calling_shell(options.calls))])
+        calling = best_time([options.kinsort, "script", "run", write("call.ecs", calling_script(options.calls))])
     print(f"{options.lines} lines, 20 variables: kinsort {ours[20]:.3f} s, dash {peer:.3f} s, "
           f"ratio {ours[20] / peer:.2f}")
     print(f"4 variables {ours[4]:.3f} s, 100 variables {ours[100]:.3f} s, ratio {ours[100] / ours[4]:.2f}")
+    print(f"{options.calls} calls of a program: kinsort {calling:.3f} s, dash {calling_peer:.3f} s, "
+          f"ratio {calling / calling_peer:.2f}")
 
 
 if __name__ == "__main__":

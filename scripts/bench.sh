@@ -4,7 +4,7 @@
 #   scripts/bench.sh matching    the search for the best folder: processor time, against other means
 #   scripts/bench.sh batches     copies and moves of thousands of files, against cp and mv
 #   scripts/bench.sh startup     the time until kinsort --version has ended, against python3 -c pass
-#   scripts/bench.sh scripts     a script's loop of a million lines, against dash
+#   scripts/bench.sh scripts     a script's loop of a million lines, and a thousand calls, against dash
 #   scripts/bench.sh dialog      the dialog until it stands there, against zenity --list; a million rows, completion
 # A folder on the volume to measure can be given in KINSORT_BENCH_WORK (else the folder for temporary files).
 set -euo pipefail
