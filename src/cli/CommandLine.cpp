@@ -66,6 +66,9 @@ std::string CheckAction(const CommandLine& line) {
     if (line.operands.empty()) return line.Has(OptionId::kHelp) ? "" : "say what to do: " + choices;
     const ActionSpec* const action = FindAction(*line.verb, line.operands[0]);
     if (action == nullptr) return "takes " + choices + ", not '" + line.operands[0] + "'";
+    for (const OptionId id : line.verb->options)
+        if (line.Has(id) && !line.Has(OptionId::kHelp) && !TakesOption(*action, id))
+            return std::string(action->name) + " takes no " + Dashed(SpecOf(id));
     const size_t count = line.operands.size() - 1;
     if (line.Has(OptionId::kHelp) || (count >= action->minOperands && count <= action->maxOperands)) return {};
     if (action->maxOperands == 0) return std::string(action->name) + " takes no '" + line.operands[1] + "'";

@@ -83,6 +83,11 @@ TEST(CommandLine, SaysWhatIsWrong) {
         {{"recover", "--finish", "--undo"}, "recover: choose one of --finish, --undo and --leave"},
         {{"integrate", "menu", "x"}, "integrate: takes menu, kde, nemo, nautilus, caja or thunar, not 'x'"},
         {{"help", "a", "b"}, "help: takes one name"},
+        {{"script", "run", "f", "--json"}, "script: run takes no --json"},
+        {{"script", "--trace", "check", "f"}, "script: check takes no --trace"},
+        {{"script", "--dry-run", "--json"}, "script: say what to do: run or check"},
+        {{"settings", "get", "NLS", "--type=dword"}, "settings: get takes no --type"},
+        {{"settings", "--json", "import", "f"}, "settings: import takes no --json"},
     };
     for (const auto& [arguments, message] : cases) {
         const std::string error = ParseCommandLine(arguments).error;

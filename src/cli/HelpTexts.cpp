@@ -72,6 +72,18 @@ std::string OptionText(const OptionSpec& option) {
     return option.value.empty() ? text : text + "=" + std::string(option.value);
 }
 
+std::string OptionHelp(const VerbSpec& verb, const OptionSpec& option) {
+    std::string takers;
+    size_t count = 0;
+    for (const ActionSpec& action : verb.actions) {
+        if (!TakesOption(action, option.id)) continue;
+        ++count;
+        takers.append(takers.empty() ? "" : ", ").append(action.name);
+    }
+    const std::string help(option.help);
+    return count == verb.actions.size() ? help : help + " Only with " + takers + ".";
+}
+
 std::string ProgramHelp() {
     std::string text = "kinsort: " + std::string(kProgramSummary) + "\n\nUsage:\n";
     for (const VerbSpec& verb : Verbs()) {
@@ -100,7 +112,7 @@ std::string VerbHelp(const VerbSpec& verb) {
         text += Entry(ActionText(action), action.summary);
     text += "\nOptions:\n";
     for (const OptionId id : verb.options)
-        text += Entry(OptionText(SpecOf(id)), SpecOf(id).help);
+        text += Entry(OptionText(SpecOf(id)), OptionHelp(verb, SpecOf(id)));
     return text + "\n" + ExitCodeHelp();
 }
 

@@ -36,6 +36,8 @@ std::string SynopsisOf(const VerbSpec& verb);
 std::string ActionText(const ActionSpec& action);
 // "--on-conflict=ask|skip|replace|keep-both"
 std::string OptionText(const OptionSpec& option);
+// What the option does, and which actions of the verb take it when not all do.
+std::string OptionHelp(const VerbSpec& verb, const OptionSpec& option);
 
 // For a terminal, 80 columns at most.
 std::string ProgramHelp();

@@ -117,7 +117,7 @@ std::string CommandSection() {
         for (const ActionSpec& action : verb.actions)
             page += Tagged(std::string(verb.name) + " " + ActionText(action), action.summary);
         for (const OptionId id : verb.options)
-            page += Tagged(OptionText(SpecOf(id)), SpecOf(id).help);
+            page += Tagged(OptionText(SpecOf(id)), OptionHelp(verb, SpecOf(id)));
     }
     return page;
 }

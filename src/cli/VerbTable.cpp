@@ -17,30 +17,40 @@ constexpr OptionId kHistoryOptions[] = {kJson, kHelp};
 constexpr OptionId kRecoverOptions[] = {kFinish, kUndo, kLeave, kJson, kQuiet, kHelp};
 constexpr OptionId kSettingsOptions[] = {kType, kJson, kQuiet, kHelp};
 constexpr OptionId kScriptOptions[] = {kSelect, kCwd, kOther, kSet, kYes, kNo, kTrace, kDryRun, kJson, kHelp};
+constexpr OptionId kScriptRunOptions[] = {kSelect, kCwd, kOther, kSet, kYes, kNo, kTrace, kDryRun};
 constexpr OptionId kIntegrateOptions[] = {kRemove, kDryRun, kQuiet, kHelp};
 constexpr OptionId kHostOptions[] = {kClass, kOpen, kJson, kQuiet, kHelp};
 constexpr OptionId kHelpOptions[] = {kHelp};
+constexpr OptionId kJsonOnly[] = {kJson};
+constexpr OptionId kTypeOnly[] = {kType};
 
 constexpr ActionSpec kSettingsActions[] = {
-    {"get", "NAME", 1, 1, false, "Print a setting; its default when it is not set."},
-    {"set", "NAME VALUE", 2, 2, true, "Set it."},
-    {"unset", "NAME", 1, 1, false, "Go back to the default."},
-    {"list", "[KEY]", 0, 1, false, "List the named settings and all other values, or what is stored below KEY."},
-    {"export", "[KEY]", 0, 1, false, "Print everything, or what is stored below KEY, as JSON for import."},
-    {"import", "FILE", 1, 1, true,
+    {"get", "NAME", 1, 1, false, kJsonOnly, "Print a setting; its default when it is not set."},
+    {"set", "NAME VALUE", 2, 2, true, kTypeOnly, "Set it."},
+    {"unset", "NAME", 1, 1, false, {}, "Go back to the default."},
+    {"list", "[KEY]", 0, 1, false, kJsonOnly,
+     "List the named settings and all other values, or what is stored below KEY."},
+    {"export", "[KEY]", 0, 1, false, kJsonOnly, "Print everything, or what is stored below KEY, as JSON for import."},
+    {"import",
+     "FILE",
+     1,
+     1,
+     true,
+     {},
      "Take over all values from what export has printed, or none when something is wrong with it; - reads standard "
      "input."},
 };
 
 constexpr ActionSpec kScriptActions[] = {
-    {"run", "FILE", 1, 1, true, "Run the script, as the dialog runs the entries of its folder menu."},
-    {"check", "FILE...", 1, SIZE_MAX, true,
+    {"run", "FILE", 1, 1, true, kScriptRunOptions,
+     "Run the script, as the dialog runs the entries of its folder menu."},
+    {"check", "FILE...", 1, SIZE_MAX, true, kJsonOnly,
      "Read scripts without running them and tell what would go wrong, as file:line:column: message, or with --json as "
      "an array."},
 };
 
 constexpr ActionSpec kHostActions[] = {
-    {"listen", "", 0, 0, false, "Be the host's window: print each message that arrives, until Ctrl-C."},
+    {"listen", "", 0, 0, false, kHostOptions, "Be the host's window: print each message that arrives, until Ctrl-C."},
 };
 
 constexpr std::array kVerbs = {
@@ -153,6 +163,11 @@ const ActionSpec* FindAction(const VerbSpec& verb, std::string_view name) {
     const auto found = std::find_if(verb.actions.begin(), verb.actions.end(),
                                     [name](const ActionSpec& action) { return action.name == name; });
     return found == verb.actions.end() ? nullptr : &*found;
+}
+
+bool TakesOption(const ActionSpec& action, OptionId option) {
+    return option == kQuiet || option == kHelp ||
+           std::find(action.options.begin(), action.options.end(), option) != action.options.end();
 }
 
 std::string ActionNames(const VerbSpec& verb, std::string_view separator) {

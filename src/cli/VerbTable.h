@@ -24,7 +24,8 @@ struct ActionSpec {
     std::string_view operands;  // as help shows them: "NAME VALUE", "[FILE]"
     size_t minOperands;         // behind the action
     size_t maxOperands;
-    bool takesFiles;  // completion offers the names of files
+    bool takesFiles;                    // completion offers the names of files
+    std::span<const OptionId> options;  // those of the verb that mean something here, beside --quiet and --help
     std::string_view summary;
 };
 
@@ -49,6 +50,8 @@ const VerbSpec* FindVerb(std::string_view name);
 
 // Null when the verb has no such action.
 const ActionSpec* FindAction(const VerbSpec& verb, std::string_view name);
+// Whether the option means something together with the action.
+bool TakesOption(const ActionSpec& action, OptionId option);
 // "get|set|list": the names of the verb's actions with `separator` between them.
 std::string ActionNames(const VerbSpec& verb, std::string_view separator);
 
