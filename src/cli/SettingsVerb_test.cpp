@@ -81,6 +81,8 @@ TEST_F(SettingsVerbTest, OtherValuesAreNamedByPathAndKeepTheirType) {
     EXPECT_EQ(Output({"list", "MY\\key"}),
               "My\\Key\\b = 00ff (binary)\nMy\\Key\\n = 7 (dword)\n"
               "My\\Key\\t = \xE6\x97\xA5 = 1 (string)\n");
+    EXPECT_EQ(Output({"list", "my/key/"}), Output({"list", "MY\\key"}));
+    EXPECT_EQ(Output({"export", "my/key"}), Output({"export", "my\\key"}));
 }
 
 TEST_F(SettingsVerbTest, SaysWhatIsWrong) {

@@ -12,6 +12,7 @@
 #include "cli/ShownText.h"
 #include "cli/Texts.h"
 #include "framework/Paths.h"
+#include "text/Split.h"
 #include "text/Utf8.h"
 
 namespace kinsort {
@@ -113,9 +114,16 @@ ExitCode Get(const SettingsRun& run) {
     return ExitCode::kDone;
 }
 
+// The key that list and export are given, with slashes as settings may be; empty: everything.
+std::u16string TypedKey(const SettingsRun& run) {
+    if (run.OperandCount() < 2) return {};
+    const std::u16string key = FromUtf8(run.Operand(1));
+    return NormalKeyPath(key.find(u'\\') == key.npos ? Replace(key, u"/", u"\\") : key);
+}
+
 ExitCode List(const SettingsRun& run) {
     std::vector<ShownSetting> all;
-    const std::u16string key = run.OperandCount() > 1 ? NormalKeyPath(FromUtf8(run.Operand(1))) : std::u16string();
+    const std::u16string key = TypedKey(run);
     if (run.OperandCount() == 1) {
         for (const KnownSetting& known : kKnownSettings) {
             const std::optional<ShownSetting> shown =
@@ -269,7 +277,7 @@ ExitCode Unset(const SettingsRun& run) {
 }
 
 ExitCode Export(const SettingsRun& run) {
-    const std::u16string key = run.OperandCount() > 1 ? FromUtf8(run.Operand(1)) : std::u16string();
+    const std::u16string key = TypedKey(run);
     const Result<std::vector<RegistryKey>> keys = run.host.registry.List(key);
     if (!keys.ok()) return Fail(run, keys.status());
     if (keys->empty()) {
