@@ -170,6 +170,10 @@ class EverythingTest(Workshop):
         self.make_file(self.top, "in/first.txt")
         self.make_file(self.top, "second.png")
 
+        doubts = self.run_json("script", "check", os.path.join(self.top, "outer.ecs"), os.path.join(self.top, "all.ecs"),
+                               code=1)
+        self.assertEqual([(row["line"], row["rule"]) for row in doubts], [(int(self.filled("@LINE@")), "unknown-line")])
+
         host = Listener(self, "--json")
         session = TerminalSession(["script", "run", os.path.join(self.top, "outer.ecs"), "--cwd", self.top, "--select",
                                    os.path.join(self.top, "in/first.txt"), "--select",
