@@ -31,7 +31,7 @@ void CollectLabel(const ScriptLine& line, bool isBehindEnd, CheckedScript& scrip
         return;
     }
     const auto [first, isNew] = script.labels.try_emplace(name, line.number);
-    if (isNew) return;
+    if (isNew || findings.size() > kMaxFindings) return;
     const std::u16string why = line.hasValue ? u" (a line that ends with \":\" is one, whatever else it does)" : u"";
     findings.Add(line, line.statement, "label",
                  u"the label " + Quoted(name) + u" is defined already, in " + LineName(first->second) + why);
@@ -42,19 +42,30 @@ CheckedScript ReadLines(CTextFile& file, FindingList& findings) {
     bool isBehindEnd = false;
     int32_t number = 0;
     for (std::u16string_view text; file.ReadLine(text);) {
-        std::unique_ptr<ScriptLine> line = ParseScriptLine(std::u16string(text), ++number);
+        const std::unique_ptr<ScriptLine> line = ParseScriptLine(std::u16string(text), ++number);
         CollectLabel(*line, isBehindEnd, script, findings);
         isBehindEnd = isBehindEnd || line->kind == LineKind::kEndOfFile;
         if (isBehindEnd) continue;
         script.hasGoto = script.hasGoto || line->kind == LineKind::kGoto;
         script.hasInclude = script.hasInclude || line->key == u"include";
-        script.lines.push_back(std::move(line));
+        if (line->kind == LineKind::kVar && line->words >= 2)
+            script.declarations.try_emplace(std::u16string(DeclaredName(*line)), line->number);
+        script.lines.push_back(text);
     }
     if (file.nextPosition() < file.length()) {
         findings.Add({number + 1, 1, 0, "line-length",
                       u"this line has 32767 characters or more: the script ends before it", u""});
     }
     return script;
+}
+
+// Of more than kMaxFindings, the first ones and a word about the others.
+std::vector<ScriptFinding> TakeFirst(FindingList& findings) {
+    std::vector<ScriptFinding> found = findings.Take();
+    if (found.size() <= kMaxFindings) return found;
+    found.resize(kMaxFindings);
+    found.push_back({found.back().line, 1, 0, "too-many", u"there is more; mend what stands above first", u""});
+    return found;
 }
 
 }  // namespace
@@ -72,12 +83,15 @@ std::optional<std::vector<ScriptFinding>> CheckScript(FileSystem& files, std::u1
     const CheckedScript script = ReadLines(file, findings);
     BlockCheck blocks(findings);
     NameCheck names(script, blocks, findings);
-    for (const auto& line : script.lines) {
-        blocks.Visit(*line);
+    int32_t number = 0;
+    for (const std::u16string_view text : script.lines) {
+        if (findings.size() > kMaxFindings) return TakeFirst(findings);
+        const std::shared_ptr<const ScriptLine> line = ParseScriptLine(std::u16string(text), ++number);
+        blocks.Visit(line);
         names.Visit(*line);
     }
     blocks.Finish();
-    return findings.Take();
+    return TakeFirst(findings);
 }
 
 }  // namespace kinsort

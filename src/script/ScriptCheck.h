@@ -6,6 +6,7 @@
 // arguments that variables fill in, and, in a script that includes others, variables that may come from there.
 #pragma once
 
+#include <cstddef>
 #include <optional>
 #include <string_view>
 #include <vector>
@@ -15,7 +16,11 @@
 
 namespace kinsort {
 
-// By line and column. Nothing when the file cannot be read.
+// So many and no more: a file that is no script at all has something wrong with every line.
+constexpr size_t kMaxFindings = 1000;
+
+// By line and column; of more than kMaxFindings, the first that were found and one that says so. Nothing when the file
+// cannot be read.
 std::optional<std::vector<ScriptFinding>> CheckScript(FileSystem& files, std::u16string_view path);
 
 }  // namespace kinsort

@@ -63,6 +63,15 @@ LineKind Classify(std::u16string_view statement) {
 
 }  // namespace
 
+std::vector<std::u16string_view> StatementWords() {
+    std::vector<std::u16string_view> words;
+    for (const Word& row : kStatementWords)
+        words.push_back(row.word);
+    for (const Word& row : kHeadWords)
+        words.push_back(row.word);
+    return words;
+}
+
 std::unique_ptr<ScriptLine> ParseScriptLine(std::u16string raw, int32_t number) {
     auto line = std::make_unique<ScriptLine>();
     line->raw = std::move(raw);

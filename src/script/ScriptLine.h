@@ -6,6 +6,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace kinsort {
 
@@ -57,6 +58,9 @@ struct ScriptLine {
     ScriptLine(const ScriptLine&) = delete;
     ScriptLine& operator=(const ScriptLine&) = delete;
 };
+
+// The words that are a statement, or that begin one, without a "=".
+std::vector<std::u16string_view> StatementWords();
 
 // Takes a line apart. `raw` has the tokens of the run replaced.
 std::unique_ptr<ScriptLine> ParseScriptLine(std::u16string raw, int32_t number);

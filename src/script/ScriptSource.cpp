@@ -36,7 +36,14 @@ std::optional<std::u16string> ScriptSource::CollectLabels() {
 
 const ScriptLine& ScriptSource::LineAt(size_t index, const RunTokens& tokens) {
     Line& line = lines_[index];
-    if (!line.parsed) line.parsed = ParseScriptLine(tokens.Replace(line.text), line.number);
+    if (line.parsed) return *line.parsed;
+    if (parsedLines_.size() == kMaxParsedLines) {
+        for (const size_t other : parsedLines_)
+            lines_[other].parsed.reset();
+        parsedLines_.clear();
+    }
+    parsedLines_.push_back(index);
+    line.parsed = ParseScriptLine(tokens.Replace(line.text), line.number);
     return *line.parsed;
 }
 

@@ -1,4 +1,4 @@
-// The text of one script: its lines, its labels, and each line taken apart the first time that it is run.
+// The text of one script: its lines, its labels, and each line taken apart when it is run.
 #pragma once
 
 #include <cstddef>
@@ -30,12 +30,16 @@ class ScriptSource {
 
     // Lines that hold something: empty ones and comments are left out.
     size_t size() const { return lines_.size(); }
-    // The line, made when it is first asked for; `tokens` must be the same every time. Valid as long as this object.
+    // The line, taken apart when it is first asked for; `tokens` must be the same every time. Valid until another line
+    // is asked for.
     const ScriptLine& LineAt(size_t index, const RunTokens& tokens);
     // The index of the label's line; nothing when there is no such label. Case-sensitive.
     std::optional<size_t> FindLabel(std::u16string_view name) const;
 
   private:
+    // Kept taken apart; loops that are worth it are smaller. A script of millions of lines would take much memory.
+    static constexpr size_t kMaxParsedLines = 50'000;
+
     struct Line {
         std::u16string_view text;  // in file_
         int32_t number;
@@ -44,6 +48,7 @@ class ScriptSource {
 
     CTextFile file_;  // keeps writers out and the text in memory as long as the script runs
     std::vector<Line> lines_;
+    std::vector<size_t> parsedLines_;  // those of lines_ that are
     std::map<std::u16string, size_t, std::less<>> labels_;
 };
 

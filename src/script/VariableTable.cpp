@@ -21,6 +21,7 @@ constexpr std::u16string_view kReservedMessage = u"This word is reserved and can
 constexpr std::u16string_view kTooManyMessage = u"Too many variables (more than 1000000).\n";
 
 constexpr int kMaxPasses = 10;
+constexpr size_t kLookedAtBeforeParts = 4'000'000;
 
 // Which entries, of those that are replaced, occur in a text: the first of all, and the first from some place on.
 struct Occurring {
@@ -108,11 +109,26 @@ bool VariableTable::HoldsNameWithin(std::u16string_view text) const {
     return holds;
 }
 
+size_t VariableTable::FindHolder(std::u16string_view text) const {
+    const auto isHolder = [&](size_t number) { return entries_[number].name.find(text) != text.npos; };
+    if (lookedAt_ < kLookedAtBeforeParts || text.size() < NameParts::kPieceUnits) {
+        lookedAt_ += entries_.size();
+        size_t number = 0;
+        while (number < entries_.size() && !isHolder(number))
+            ++number;
+        return number;
+    }
+    while (parts_.size() < entries_.size())
+        parts_.Add(entries_[parts_.size()].name);
+    const std::vector<uint32_t>& numbers = parts_.HoldersOf(text);
+    const auto found = std::find_if(numbers.begin(), numbers.end(), isHolder);
+    return found == numbers.end() ? entries_.size() : *found;
+}
+
 const VariableTable::Entry* VariableTable::FindOverlap(std::u16string_view name) const {
-    const auto found = std::find_if(entries_.begin(), entries_.end(), [&](const Entry& entry) {
-        return entry.name.find(name) != entry.name.npos || name.find(entry.name) != name.npos;
-    });
-    return found == entries_.end() ? nullptr : &*found;
+    size_t first = FindHolder(name);
+    names_.ForEachOccurrence(name, [&](uint32_t number) { first = std::min<size_t>(first, number); });
+    return first == entries_.size() ? nullptr : &entries_[first];
 }
 
 IndexedName SplitIndexedName(std::u16string_view text) {

@@ -10,6 +10,7 @@
 #include <string_view>
 #include <vector>
 
+#include "script/NameParts.h"
 #include "script/NameTrie.h"
 
 namespace kinsort {
@@ -55,9 +56,15 @@ class VariableTable {
     bool HoldsNameWithin(std::u16string_view text) const;
 
   private:
+    // The first entry whose name holds the text; the number of entries when there is none.
+    size_t FindHolder(std::u16string_view text) const;
+
     std::vector<Entry> entries_;
     size_t units_ = 0;
     NameTrie names_;
+    // Made when so many names were looked at one by one that it pays.
+    mutable NameParts parts_;
+    mutable size_t lookedAt_ = 0;
 };
 
 // "a[i]" as base and index, both trimmed. The index is empty for a plain name and for a text that is malformed (the

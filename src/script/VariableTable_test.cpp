@@ -1,6 +1,7 @@
 // Names and declarations, and expansion against its obvious version.
 #include "script/VariableTable.h"
 
+#include <algorithm>
 #include <random>
 
 #include <gtest/gtest.h>
@@ -120,6 +121,30 @@ TEST(DeclareVariable, SaysWhyANameIsRefused) {
     EXPECT_EQ(DeclareVariable(table, u"d[3]").message, u"It is contained in the variable declared.\nd[1/d[1]");
     EXPECT_NE(table.Find(u"d[0]"), nullptr);
     EXPECT_EQ(table.Find(u"d[2]"), nullptr);
+}
+
+// A table that was asked often finds the same names as one that looks at each.
+TEST(VariableTable, FindsTheFirstOverlapOfManyNames) {
+    std::mt19937 random(7);
+    const auto pick = [&random](size_t count) { return random() % count; };
+    const auto makeName = [&pick] {
+        std::u16string name;
+        for (size_t size = 1 + pick(9); name.size() < size;)
+            name += u"abc\u8868"[pick(4)];
+        return name;
+    };
+    VariableTable table;
+    while (table.entries().size() < 3000)
+        table.Create(u"(" + makeName() + makeName() + u")");
+    for (int i = 0; i < 4000; ++i) {
+        if (i % 50 == 0) table.Create(u"[" + makeName() + makeName() + makeName() + u"]");
+        const std::u16string name = i % 3 == 0 ? u"x" + table.entries()[pick(3000)].name : makeName();
+        const auto& entries = table.entries();
+        const auto first = std::find_if(entries.begin(), entries.end(), [&name](const VariableTable::Entry& entry) {
+            return entry.name.find(name) != name.npos || name.find(entry.name) != name.npos;
+        });
+        ASSERT_EQ(table.FindOverlap(name), first == entries.end() ? nullptr : &*first) << testing::PrintToString(name);
+    }
 }
 
 TEST(VariableTable, KeepsAssignedValues) {

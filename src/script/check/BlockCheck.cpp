@@ -93,14 +93,15 @@ void BlockCheck::Close(const ScriptLine& line, LineKind opener) {
 
 void BlockCheck::VisitUnreachable(const ScriptLine& line) {
     if (line.kind == LineKind::kNothing) return;
-    if (leaving_ != nullptr && !CanBeReached(line)) {
+    if (leaving_ != 0 && !CanBeReached(line)) {
         findings_.Add(line, line.statement, "unreachable",
-                      u"this line is never run: " + LineName(leaving_->number) + u" always leaves");
+                      u"this line is never run: " + LineName(leaving_) + u" always leaves");
     }
-    leaving_ = Leaves(line) ? &line : nullptr;
+    leaving_ = Leaves(line) ? line.number : 0;
 }
 
-void BlockCheck::Visit(const ScriptLine& line) {
+void BlockCheck::Visit(const std::shared_ptr<const ScriptLine>& visited) {
+    const ScriptLine& line = *visited;
     VisitUnreachable(line);
     switch (line.kind) {
         case LineKind::kFor:
@@ -111,7 +112,7 @@ void BlockCheck::Visit(const ScriptLine& line) {
             [[fallthrough]];
         case LineKind::kIf:
         case LineKind::kDo:
-            open_.push_back({line.kind, &line, false});
+            open_.push_back({line.kind, visited, false});
             break;
         case LineKind::kElse:
             VisitElse(line);

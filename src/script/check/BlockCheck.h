@@ -1,6 +1,8 @@
 // Whether the blocks and loops of a script match, line by line.
 #pragma once
 
+#include <cstdint>
+#include <memory>
 #include <string_view>
 #include <vector>
 
@@ -13,8 +15,8 @@ class BlockCheck {
   public:
     explicit BlockCheck(FindingList& findings) : findings_(findings) {}
 
-    // Each line in turn, and at last Finish. Lines stay where they are meanwhile.
-    void Visit(const ScriptLine& line);
+    // Each line in turn, and at last Finish. Those that open a block are kept meanwhile.
+    void Visit(const std::shared_ptr<const ScriptLine>& visited);
     void Finish();
 
     // Of the line that was visited last.
@@ -25,7 +27,7 @@ class BlockCheck {
   private:
     struct OpenBlock {
         LineKind opener;
-        const ScriptLine* line;
+        std::shared_ptr<const ScriptLine> line;
         bool hasElse;
     };
 
@@ -36,7 +38,7 @@ class BlockCheck {
 
     FindingList& findings_;
     std::vector<OpenBlock> open_;
-    const ScriptLine* leaving_ = nullptr;  // the line before, when none can follow it
+    int32_t leaving_ = 0;  // the number of the line before, when none can follow it
 };
 
 }  // namespace kinsort

@@ -14,13 +14,6 @@
 namespace kinsort {
 namespace {
 
-// The words that begin a line without "=".
-constexpr std::u16string_view kWords[] = {
-    u"if",          u"else", u"endif", u"for",     u"next", u"do",  u"while",     u"break",
-    u"continue",    u"goto", u"exit",  u"exitall", u"var",  u"EOF", u"fileclose", u"removeselectitems",
-    u"updatestate",
-};
-
 // What other languages write, and what is written here.
 constexpr std::pair<std::u16string_view, std::u16string_view> kForeignOperators[] = {
     {u"=<", u"<="}, {u"=>", u">="}, {u"<>", u"!="}, {u"~=", u"!="}};
@@ -42,20 +35,15 @@ std::u16string_view HeadOf(std::u16string_view statement) {
     return statement.substr(0, statement.find(u' '));
 }
 
-// What stands behind "var", before a "=".
+}  // namespace
+
 std::u16string_view DeclaredName(const ScriptLine& line) {
     const std::u16string_view declaration = line.statement.substr(3);
     return TrimView(declaration.substr(0, declaration.find(u'=')));
 }
 
-}  // namespace
-
 NameCheck::NameCheck(const CheckedScript& script, const BlockCheck& blocks, FindingList& findings)
-    : script_(script), blocks_(blocks), findings_(findings), values_(variables_, findings) {
-    for (const auto& line : script.lines)
-        if (line->kind == LineKind::kVar && line->words >= 2)
-            allDeclarations_.try_emplace(std::u16string(DeclaredName(*line)), line->number);
-}
+    : script_(script), blocks_(blocks), findings_(findings), values_(variables_, findings) {}
 
 void NameCheck::Visit(const ScriptLine& line) {
     switch (line.kind) {
@@ -187,7 +175,8 @@ void NameCheck::VisitUnknown(const ScriptLine& line) {
         const std::u16string_view head = HeadOf(line.statement);
         const bool isCommand =
             FindStatement(AsciiLower(head)) != nullptr || FindOptionLine(AsciiLower(head)) != nullptr;
-        std::vector<std::u16string> words(std::begin(kWords), std::end(kWords));
+        const std::vector<std::u16string_view> known = StatementWords();
+        const std::vector<std::u16string> words(known.begin(), known.end());
         const std::u16string why =
             isCommand ? u": " + Quoted(head) + u" needs a \"=\" behind it" : DidYouMean(FindMeant(head, words));
         findings_.Add(line, head, "unknown-line", u"nothing knows this line" + why);
@@ -199,8 +188,8 @@ void NameCheck::VisitUnknown(const ScriptLine& line) {
                       Quoted(line.target) + u" is none of the declared elements of " + Quoted(indexed.base));
         return;
     }
-    const auto later = allDeclarations_.find(line.target);
-    if (later != allDeclarations_.end()) {
+    const auto later = script_.declarations.find(line.target);
+    if (later != script_.declarations.end()) {
         if (later->second <= line.number || script_.hasGoto) return;
         findings_.Add(line, line.target, "unknown-name",
                       Quoted(line.target) + u" is declared only in " + LineName(later->second));

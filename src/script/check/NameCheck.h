@@ -3,7 +3,6 @@
 
 #include <cstdint>
 #include <map>
-#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -18,12 +17,16 @@ namespace kinsort {
 
 // The lines up to "EOF" and what stands in them as a whole.
 struct CheckedScript {
-    std::vector<std::unique_ptr<ScriptLine>> lines;
+    std::vector<std::u16string_view> lines;                          // in the file's text; the first is line 1
+    std::map<std::u16string, int32_t, std::less<>> declarations;     // by the name behind "var", with the first line
     std::map<std::u16string, int32_t, std::less<>> labels;           // with their lines
     std::map<std::u16string, int32_t, std::less<>> labelsBehindEnd;  // which nobody finds
     bool hasGoto = false;
     bool hasInclude = false;
 };
+
+// What stands behind "var", before a "=". `line` is of that kind and has two words or more.
+std::u16string_view DeclaredName(const ScriptLine& line);
 
 class NameCheck {
   public:
@@ -52,8 +55,7 @@ class NameCheck {
     const BlockCheck& blocks_;
     FindingList& findings_;
     VariableTable variables_;
-    std::vector<DeclaredAt> declared_;                                // for each entry of variables_
-    std::map<std::u16string, int32_t, std::less<>> allDeclarations_;  // anywhere in the script, with their lines
+    std::vector<DeclaredAt> declared_;  // for each entry of variables_
     ValueCheck values_;
 };
 

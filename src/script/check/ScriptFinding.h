@@ -27,6 +27,8 @@ class FindingList {
     void Add(const ScriptLine& line, std::u16string_view part, std::string_view rule, std::u16string message);
     void Add(ScriptFinding finding) { findings_.push_back(std::move(finding)); }
 
+    size_t size() const { return findings_.size(); }
+
     // By line and column; the list is empty afterwards.
     std::vector<ScriptFinding> Take();
 
