@@ -1,10 +1,12 @@
-// script_reference DOCUMENT EXAMPLES           writes the generated half of the document anew
-// script_reference --check DOCUMENT EXAMPLES   only says whether that would change anything
+// script_reference DOCUMENT EXAMPLES EDITORS   writes the generated half of the document and the syntax files of the
+//                                              folder EDITORS anew
+// script_reference --check ...                 only says whether that would change anything
 #include <cstdio>
 #include <memory>
 #include <string>
 #include <vector>
 
+#include "script/reference/EditorSyntax.h"
 #include "script/reference/ScriptReference.h"
 
 namespace {
@@ -34,7 +36,20 @@ int Fail(const std::string& message) {
     return 1;
 }
 
-int Run(bool onlyChecks, const std::string& document, const std::string& examples) {
+// Writes the file unless it only looks whether it holds the text. The exit code.
+int Renew(bool onlyChecks, const std::string& path, const std::string& text) {
+    if (!onlyChecks) return WriteFile(path, text) ? 0 : Fail("cannot write " + path);
+    std::string written;
+    if (ReadFile(path, written) && written == text) return 0;
+    return Fail(path + " is behind the tables; run script_reference without --check");
+}
+
+int RenewEditors(bool onlyChecks, const std::string& folder) {
+    return Renew(onlyChecks, folder + "/vim/syntax/ecs.vim", kinsort::WriteVimSyntax()) |
+           Renew(onlyChecks, folder + "/kinsort-script.xml", kinsort::WriteKateSyntax());
+}
+
+int RenewDocument(bool onlyChecks, const std::string& document, const std::string& examples) {
     std::string text;
     std::string cases;
     if (!ReadFile(document, text) || !ReadFile(examples, cases))
@@ -47,17 +62,17 @@ int Run(bool onlyChecks, const std::string& document, const std::string& example
     for (const std::string& name : missing)
         Fail(name);
     if (!missing.empty()) return 1;
-    if (onlyChecks)
-        return written == text ? 0 : Fail(document + " is behind the tables; run script_reference without --check");
-    return WriteFile(document, written) ? 0 : Fail("cannot write " + document);
+    return Renew(onlyChecks, document, written);
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
-    const std::vector<std::string> arguments(argv + 1, argv + argc);
-    if (arguments.size() == 2) return Run(false, arguments[0], arguments[1]);
-    if (arguments.size() == 3 && arguments[0] == "--check") return Run(true, arguments[1], arguments[2]);
-    std::fprintf(stderr, "usage: script_reference [--check] DOCUMENT EXAMPLES\n");
+    std::vector<std::string> arguments(argv + 1, argv + argc);
+    const bool onlyChecks = !arguments.empty() && arguments[0] == "--check";
+    if (onlyChecks) arguments.erase(arguments.begin());
+    if (arguments.size() == 3)
+        return RenewDocument(onlyChecks, arguments[0], arguments[1]) | RenewEditors(onlyChecks, arguments[2]);
+    std::fprintf(stderr, "usage: script_reference [--check] DOCUMENT EXAMPLES EDITORS\n");
     return 2;
 }

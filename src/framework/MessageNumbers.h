@@ -1,5 +1,5 @@
 // The numbers of the texts that this program takes from the message file. Below 64000 they are the host's, shared with
-// its other commands; from 64000 on they are our own. To add one: a row here and a line in each lang/Msg.*.txt (a test
+// its other commands; from 64000 on they are our own. To add one: a row here and a line in each lang/*/Msg.txt (a test
 // holds the three together). "%1" and so on are places for values, named in the comment.
 #pragma once
 
