@@ -4,11 +4,13 @@ everything that comes of it."""
 import json
 import os
 import re
+import select
+import signal
 import unittest
 
 from host_test import Listener
 from terminal_test import TerminalSession
-from workshop import SOURCE, Workshop
+from workshop import KINSORT, SOURCE, Workshop
 
 HERE = os.path.dirname(os.path.abspath(__file__))
 WORDS = ("var if else endif for next do while continue break goto exit exitall eof debug updatestate icon fileclose "
@@ -27,6 +29,11 @@ exit 4
 OPEN = """#!/bin/sh
 printf '%s|opened|%s\\n' "${PWD#@TOP@}" "$1" >>'@TOP@/log'
 echo >'@TOP@/meeting'
+"""
+# A program with a window, onto which items can be dropped.
+RECEIVER = """#!/bin/sh
+echo $$ >'@TOP@/receiver.pid'
+exec '@KINSORT@' host listen --json --class receiver >'@TOP@/drops' 2>/dev/null
 """
 
 VALUES = r"""include set inside
@@ -139,11 +146,16 @@ class EverythingTest(Workshop):
 
     def filled(self, text):
         return (text.replace("@TOP@", self.top).replace("@IN@", "Z:" + self.top.replace("/", "\\"))
+                .replace("@KINSORT@", os.path.abspath(KINSORT))
                 .replace("@LINE@", str(self.scripts["all.ecs"].index("what is this") + 1)))
 
     def read(self, name):
         with open(os.path.join(self.top, name), "rb") as file:
             return file.read()
+
+    def end_receiver(self):
+        if os.path.exists(os.path.join(self.top, "receiver.pid")):
+            os.kill(int(self.read("receiver.pid")), signal.SIGINT)
 
     def test_nothing_of_the_language_is_left_out(self):
         lines = [line for script in self.scripts.values() for line in script]
@@ -157,11 +169,12 @@ class EverythingTest(Workshop):
 
     def test_everything_that_comes_of_it(self):
         tools = os.path.join(self.top, "tools")
-        for name, program in (("note", NOTE), ("meet", MEET), ("xdg-open", OPEN)):
+        for name, program in (("note", NOTE), ("meet", MEET), ("xdg-open", OPEN), ("receiver", RECEIVER)):
             self.make_file(tools, name, self.filled(program).encode(), mode=0o755)
         self.environment["PATH"] = tools + ":" + self.environment["PATH"]
         self.environment["LC_ALL"] = "C.UTF-8"
-        os.mkfifo(os.path.join(self.top, "meeting"))
+        for name in ("meeting", "drops"):
+            os.mkfifo(os.path.join(self.top, name))
         for name, lines in self.scripts.items():
             self.make_file(self.top, name, "\r\n".join(lines).encode("utf-16"))
         self.make_file(self.top, "letter.txt", "あいうえ\r\nお".encode("cp932"))
@@ -174,6 +187,9 @@ class EverythingTest(Workshop):
                                code=1)
         self.assertEqual([(row["line"], row["rule"]) for row in doubts], [(int(self.filled("@LINE@")), "unknown-line")])
 
+        drops = os.fdopen(os.open(os.path.join(self.top, "drops"), os.O_RDWR), "rb", buffering=0)
+        self.addCleanup(drops.close)
+        self.addCleanup(self.end_receiver)
         host = Listener(self, "--json")
         session = TerminalSession(["script", "run", os.path.join(self.top, "outer.ecs"), "--cwd", self.top, "--select",
                                    os.path.join(self.top, "in/first.txt"), "--select",
@@ -191,6 +207,9 @@ class EverythingTest(Workshop):
         self.maxDiff = None
         self.assertEqual(self.read("values.txt").decode("utf-16-le"),
                          "\ufeff" + self.filled(VALUES).replace("\n", "\r\n"))
+        self.assertTrue(select.select([drops], [], [], 60)[0], "nothing was dropped")
+        self.assertEqual(json.loads(drops.readline()), {"kind": "drop", "items": [
+            {"path": os.path.join(self.top, "in/first.txt")}, {"path": os.path.join(self.top, "second.png")}]})
         self.assertEqual(self.read("narrow.txt"), b"first narrow line\r\nsecond\r\n")
         self.assertEqual(self.read("log").decode().splitlines(), [self.filled(line) for line in STARTED])
         self.assertEqual([(row["value_name"], row["type"], row["value"]) for row in
