@@ -183,17 +183,17 @@ class EverythingTest(Workshop):
         self.make_file(self.top, "in/first.txt")
         self.make_file(self.top, "second.png")
 
-        doubts = self.run_json("script", "check", os.path.join(self.top, "outer.ecs"), os.path.join(self.top, "all.ecs"),
-                               code=1)
+        outer = os.path.join(self.top, "outer.ecs")
+        doubts = self.run_json("script", "check", outer, os.path.join(self.top, "all.ecs"), code=1)
         self.assertEqual([(row["line"], row["rule"]) for row in doubts], [(int(self.filled("@LINE@")), "unknown-line")])
 
         drops = os.fdopen(os.open(os.path.join(self.top, "drops"), os.O_RDWR), "rb", buffering=0)
         self.addCleanup(drops.close)
         self.addCleanup(self.end_receiver)
         host = Listener(self, "--json")
-        session = TerminalSession(["script", "run", os.path.join(self.top, "outer.ecs"), "--cwd", self.top, "--select",
-                                   os.path.join(self.top, "in/first.txt"), "--select",
-                                   os.path.join(self.top, "second.png")], self.environment)
+        session = TerminalSession(["script", "run", outer, "--cwd", self.top,
+                                   "--select", os.path.join(self.top, "in/first.txt"),
+                                   "--select", os.path.join(self.top, "second.png")], self.environment)
         expected = ""
         for shown, typed in CONVERSATION:
             expected += self.filled(shown).replace("\n", "\r\n")
