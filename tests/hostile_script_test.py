@@ -77,6 +77,8 @@ class HostileScript(Workshop):
         path = self.write(declared + "v099999=7\r\nmessagebox=0,v099999\r\n")
         self.assertEqual(self.measure("run", path), (0, "Vel: 7\n"))
         self.assertEqual(self.measure("check", path), (0, ""))
+        code, output = self.measure("check", self.write(declared, "v00000x=1\r\n" * 2000))
+        self.assertEqual((code, output.count("did you mean")), (1, 1000))
         inside = "It is contained in the variable declared.\n"
         self.assertEqual(self.measure("run", self.write(declared + "var 9999\r\n")), (1, inside + "9999/v009999\n"))
         self.assertEqual(self.measure("run", self.write(declared + "var av000001b\r\n")),

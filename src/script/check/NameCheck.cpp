@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <span>
 
 #include "script/Condition.h"
 #include "script/OptionLines.h"
@@ -17,6 +18,9 @@ namespace {
 // What other languages write, and what is written here.
 constexpr std::pair<std::u16string_view, std::u16string_view> kForeignOperators[] = {
     {u"=<", u"<="}, {u"=>", u">="}, {u"<>", u"!="}, {u"~=", u"!="}};
+
+// Of variables and of labels, for "did you mean": a script with more is no person's.
+constexpr size_t kMaxGuessed = 2000;
 
 template <typename Rows, typename Name>
 void AddNames(std::vector<std::u16string>& names, const Rows& rows, Name name) {
@@ -196,7 +200,8 @@ void NameCheck::VisitUnknown(const ScriptLine& line) {
         return;
     }
     std::vector<std::u16string> names = KeyNames();
-    AddNames(names, variables_.entries(), &VariableTable::Entry::name);
+    const std::span variables(variables_.entries());
+    AddNames(names, variables.first(std::min(variables.size(), kMaxGuessed)), &VariableTable::Entry::name);
     const std::optional<std::u16string> meant = FindMeant(line.target, names);
     // An included script, or the one that includes this, may have declared the name.
     if (!meant && script_.hasInclude) return;
@@ -243,7 +248,7 @@ void NameCheck::VisitGoto(const ScriptLine& line) {
     }
     std::vector<std::u16string> names;
     for (const auto& [name, number] : script_.labels)
-        names.push_back(name);
+        if (names.size() < kMaxGuessed) names.push_back(name);
     findings_.Add(line, label, "label", u"there is no label " + Quoted(label) + DidYouMean(FindMeant(label, names)));
 }
 

@@ -75,11 +75,16 @@ bool LooksLikeDate(std::u16string_view text) {
 }  // namespace
 
 std::optional<std::u16string> FindMeant(std::u16string_view typed, const std::vector<std::u16string>& names) {
-    const auto best = std::min_element(names.begin(), names.end(), [typed](const auto& a, const auto& b) {
-        return EditDistance(typed, a) < EditDistance(typed, b);
-    });
-    if (best == names.end() || !LooksLikeTypo(typed, *best)) return std::nullopt;
-    return *best;
+    const std::u16string* best = nullptr;
+    size_t fewest = SIZE_MAX;
+    for (const std::u16string& name : names) {
+        if (!LooksLikeTypo(typed, name)) continue;
+        const size_t distance = EditDistance(typed, name);
+        if (distance >= fewest) continue;
+        best = &name;
+        fewest = distance;
+    }
+    return best == nullptr ? std::nullopt : std::optional(*best);
 }
 
 std::u16string DidYouMean(const std::optional<std::u16string>& meant) {

@@ -35,7 +35,7 @@ class ValueCheck {
     FindingList& findings_;
 };
 
-// The first of the names that `typed` looks like a slip of the pen of; nothing when there is none.
+// Of the names that `typed` looks like a slip of the pen of, the nearest; nothing when there is none.
 std::optional<std::u16string> FindMeant(std::u16string_view typed, const std::vector<std::u16string>& names);
 // "; did you mean ...?", or nothing.
 std::u16string DidYouMean(const std::optional<std::u16string>& meant);
