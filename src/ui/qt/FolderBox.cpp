@@ -7,7 +7,6 @@
 #include <QInputMethodEvent>
 #include <QKeyEvent>
 #include <QLineEdit>
-#include <QMetaObject>
 #include <QScreen>
 #include <QScrollBar>
 #include <QStyle>
@@ -197,7 +196,7 @@ void FolderBox::PostCommand(WindowHandle window, int id) {
 }
 
 void FolderBox::Post(std::function<void()> task) {
-    QMetaObject::invokeMethod(this, std::move(task), Qt::QueuedConnection);
+    posted_.Post(std::move(task));
 }
 
 // Before the toolkit makes Tab a change of focus or Ctrl+K a shortcut.

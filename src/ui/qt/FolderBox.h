@@ -15,6 +15,7 @@
 #include "controls/ComplementComboBox.h"
 #include "controls/HistoryComboView.h"
 #include "platform/PathCodec.h"
+#include "ui/qt/PostedTasks.h"
 
 namespace kinsort {
 
@@ -71,6 +72,7 @@ class FolderBox final : public QComboBox, public HistoryComboView {
     const PathCodec& codec_;
     CComplementComboBox* control_ = nullptr;
     std::function<void(WindowHandle, int)> postCommand_;
+    PostedTasks posted_;
     QStringListModel items_;
     QListView* list_;  // owned as a child
     bool acceptsFiles_ = false;

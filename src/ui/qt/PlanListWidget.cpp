@@ -4,7 +4,6 @@
 #include <QEvent>
 #include <QHeaderView>
 #include <QKeyEvent>
-#include <QMetaObject>
 #include <QStyle>
 #include <algorithm>
 #include <limits>
@@ -153,7 +152,7 @@ void PlanListWidget::EnsureVisible(size_t row) {
 }
 
 void PlanListWidget::Post(std::function<void()> task) {
-    QMetaObject::invokeMethod(this, std::move(task), Qt::QueuedConnection);
+    posted_.Post(std::move(task));
 }
 
 void PlanListWidget::keyPressEvent(QKeyEvent* event) {

@@ -10,6 +10,7 @@
 
 #include "controls/CmdListCtrl.h"
 #include "controls/CmdListView.h"
+#include "ui/qt/PostedTasks.h"
 #include "ui/qt/QtIcons.h"
 
 namespace kinsort {
@@ -51,6 +52,7 @@ class PlanListWidget final : public QTableView, public CmdListView {
     void HintVisibleRows();
     void FitRowHeight();
 
+    PostedTasks posted_;
     std::unique_ptr<PlanListModel> model_;
     CCmdListCtrl* control_ = nullptr;
     std::optional<std::pair<int, int>> hinted_;  // the rows that the control was told of last

@@ -1,7 +1,6 @@
 #include "ui/qt/QtOperationView.h"
 
 #include <QApplication>
-#include <QMetaObject>
 #include <QTimer>
 
 #include "ui/qt/QtText.h"
@@ -11,7 +10,7 @@
 namespace kinsort {
 
 void QtOperationView::Post(std::function<void()> work) {
-    QMetaObject::invokeMethod(&thread_, std::move(work), Qt::QueuedConnection);
+    posted_.Post(std::move(work));
 }
 
 void QtOperationView::RunLoop() {

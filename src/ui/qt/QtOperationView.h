@@ -2,10 +2,10 @@
 #pragma once
 
 #include <QEventLoop>
-#include <QObject>
 #include <memory>
 
 #include "app/OperationView.h"
+#include "ui/qt/PostedTasks.h"
 #include "ui/qt/ProgressWindow.h"
 #include "ui/qt/WindowTexts.h"
 
@@ -36,7 +36,7 @@ class QtOperationView final : public OperationView {
     QWidget* Owner();
 
     const WindowTexts& texts_;
-    QObject thread_;  // lives on the view's thread: posted work is run there
+    PostedTasks posted_;
     QEventLoop loop_;
     bool isEnded_ = false;
     std::unique_ptr<ProgressWindow> progress_;
