@@ -50,12 +50,15 @@ class [[nodiscard]] Status {
     // language, empty when there is none.
     static Status Failure(StatusCode code, int systemCode = 0, std::u16string systemText = {}) {
         Status status;
-        status.detail_ = std::make_shared<const Detail>(Detail{code, systemCode, std::move(systemText), {}});
+        status.code_ = code;
+        if (systemCode != 0 || !systemText.empty()) {
+            status.detail_ = std::make_shared<const Detail>(Detail{systemCode, std::move(systemText), {}});
+        }
         return status;
     }
 
-    bool ok() const { return detail_ == nullptr; }
-    StatusCode code() const { return detail_ ? detail_->code : StatusCode::kOk; }
+    bool ok() const { return code_ == StatusCode::kOk; }
+    StatusCode code() const { return code_; }
     int systemCode() const { return detail_ ? detail_->systemCode : 0; }
     const std::u16string& systemText() const { return detail_ ? detail_->systemText : Empty(); }
     // The path the failure is about, inner form; empty when nobody said.
@@ -65,14 +68,13 @@ class [[nodiscard]] Status {
     Status At(std::u16string path) const {
         if (ok()) return *this;
         Status status;
-        status.detail_ = std::make_shared<const Detail>(
-            Detail{detail_->code, detail_->systemCode, detail_->systemText, std::move(path)});
+        status.code_ = code_;
+        status.detail_ = std::make_shared<const Detail>(Detail{systemCode(), systemText(), std::move(path)});
         return status;
     }
 
   private:
     struct Detail {
-        StatusCode code;
         int systemCode;
         std::u16string systemText;
         std::u16string path;
@@ -81,7 +83,8 @@ class [[nodiscard]] Status {
         static const std::u16string empty;
         return empty;
     }
-    std::shared_ptr<const Detail> detail_;
+    StatusCode code_ = StatusCode::kOk;
+    std::shared_ptr<const Detail> detail_;  // none where the code says it all
 };
 
 // A value, or the status that says why there is none.
