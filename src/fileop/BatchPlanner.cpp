@@ -50,6 +50,11 @@ BatchPlanner::BatchPlanner(const FileOperationServices& services, Batch& batch, 
 bool BatchPlanner::PlanItems(std::span<const ItemRequest> requests, unsigned threads,
                              const std::function<bool(const ItemRequest&)>& goesOn) {
     constexpr size_t kBlock = 4096;  // enough to keep the threads busy, little enough to hold
+    batch_.items.reserve(requests.size());
+    batch_.steps.reserve(requests.size());
+    batch_.states.reserve(requests.size());
+    plannedSources_.reserve(requests.size());
+    plannedTargets_.reserve(requests.size());
     while (!requests.empty()) {
         const auto block = requests.first(std::min(requests.size(), kBlock));
         requests = requests.subspan(block.size());
@@ -69,18 +74,28 @@ bool BatchPlanner::PlanItems(std::span<const ItemRequest> requests, unsigned thr
 }
 
 void BatchPlanner::Resolve(const ItemRequest& request, Looked& looked) {
-    const Result<Place> source = ResolveSource(request.source);
-    if (!source.ok()) {
-        looked.info = source.status();
+    const auto [folderPart, name] = SplitAtLastSeparator(WithoutTrailingSeparator(request.source));
+    looked.source.folder = kNoIndex;
+    if (folderPart.empty() || name.empty() || name == u"." || name == u"..") {
+        looked.info = Status::Failure(StatusCode::kInvalid);
         return;
     }
-    looked.source = *source;
-    if (request.destination != lastDestination_ || lastDestination_.empty()) {
-        const Result<std::string> stored = services_.codec.PathToStored(request.destination);
-        lastDestinationFolder_ = stored.ok() ? folders_.AddByPath(*stored) : Result<uint32_t>(stored.status());
-        lastDestination_ = request.destination;
+    const Result<uint32_t>& folder = FolderOf(folderPart, lastSourceFolder_);
+    if (!folder.ok()) {
+        looked.info = folder.status();
+        return;
     }
-    looked.destination = lastDestinationFolder_;
+    looked.source.folder = *folder;
+    looked.name = name;
+    looked.destination = FolderOf(request.destination, lastDestination_);
+}
+
+const Result<uint32_t>& BatchPlanner::FolderOf(std::u16string_view path, NamedFolder& last) {
+    if (path == last.path && !path.empty()) return last.index;
+    const Result<std::string> stored = services_.codec.PathToStored(path);
+    last.index = stored.ok() ? folders_.AddByPath(*stored) : Result<uint32_t>(stored.status());
+    last.path = path;
+    return last.index;
 }
 
 void BatchPlanner::ListDestinations(std::span<Looked> looked, std::vector<std::unique_ptr<FolderNames>>& listed) {
@@ -100,7 +115,9 @@ void BatchPlanner::ListDestinations(std::span<Looked> looked, std::vector<std::u
 }
 
 void BatchPlanner::LookAt(Looked& looked) {
-    if (looked.source.folder == kNoIndex || !looked.destination.ok()) return;
+    if (looked.source.folder == kNoIndex) return;
+    looked.source.name = services_.codec.NameToStored(looked.name);
+    if (!looked.destination.ok()) return;
     looked.info = StatAt(looked.source);
     const bool isFree = looked.taken != nullptr && !looked.taken->Contains(looked.source.name);
     if (looked.info.ok() && !isFree) looked.there = StatAt({*looked.destination, looked.source.name});
@@ -152,25 +169,6 @@ void BatchPlanner::Refuse(ItemOutcome outcome, ItemReason reason, Status status)
     report.outcome = outcome;
     report.reason = reason;
     report.status = std::move(status);
-}
-
-Result<Place> BatchPlanner::ResolveSource(const std::u16string& path) {
-    const auto [folderPart, name] = SplitAtLastSeparator(WithoutTrailingSeparator(path));
-    if (folderPart.empty() || name.empty() || name == u"." || name == u"..") {
-        return Status::Failure(StatusCode::kInvalid);
-    }
-    auto [known, isNew] = storedFolders_.try_emplace(std::u16string(folderPart));
-    if (isNew) {
-        Result<std::string> stored = services_.codec.PathToStored(folderPart);
-        if (!stored.ok()) {
-            storedFolders_.erase(known);
-            return stored.status();
-        }
-        known->second = std::move(*stored);
-    }
-    const Result<uint32_t> folder = folders_.AddByPath(known->second);
-    if (!folder.ok()) return folder.status();
-    return Place{*folder, services_.codec.NameToStored(name)};
 }
 
 bool BatchPlanner::LiesInside(uint32_t folder, const FileInfo& ancestor) {

@@ -73,7 +73,8 @@ class BatchPlanner {
     };
     // What one look at an item found, before anything is decided.
     struct Looked {
-        Place source;
+        Place source;              // its folder is kNoIndex when that cannot be: `info` says why
+        std::u16string_view name;  // of the source, inner form
         Result<uint32_t> destination = kNoIndex;
         Result<FileInfo> info = Status::Failure(StatusCode::kNotFound);   // of the source
         Result<FileInfo> there = Status::Failure(StatusCode::kNotFound);  // what has its name in the destination
@@ -88,7 +89,12 @@ class BatchPlanner {
     void LookAt(Looked& looked);  // on any thread
     bool PlanItem(const ItemRequest& request, const Looked& looked);
     Result<FileInfo> StatAt(const Place& place);
-    Result<Place> ResolveSource(const std::u16string& path);
+    // A folder that was named last: items of one folder tend to follow each other.
+    struct NamedFolder {
+        std::u16string path;  // inner form; empty before the first
+        Result<uint32_t> index = kNoIndex;
+    };
+    const Result<uint32_t>& FolderOf(std::u16string_view path, NamedFolder& last);
     // Chooses the target name of a source, asking when it is taken. `known` is what stands there, null to look now.
     Choice ChooseTarget(const Place& source, const FileInfo& info, uint32_t folder, bool isMove,
                         const Result<FileInfo>* known, Target& target);
@@ -116,12 +122,11 @@ class BatchPlanner {
     std::unordered_map<size_t, ItemReport> refusals_;  // by item
     size_t item_ = 0;                                  // the item that steps and refusals are for at the moment
     const ItemRequest* request_ = nullptr;             // what was asked for it; null when it is planned anew
-    std::unordered_map<std::u16string, std::string> storedFolders_;  // inner path to stored path of a folder
     PlaceSet plannedSources_;
     PlaceSet plannedTargets_;
     std::unordered_map<uint32_t, uint32_t> keptFolders_;  // target folder to kept folder
-    std::u16string lastDestination_;                      // items of one folder tend to follow each other
-    Result<uint32_t> lastDestinationFolder_ = kNoIndex;
+    NamedFolder lastSourceFolder_;
+    NamedFolder lastDestination_;
     uint32_t keptBesideJournal_ = kNoIndex;
 };
 
