@@ -1,11 +1,14 @@
 #include "cli/ItemList.h"
 
 #include <algorithm>
+#include <functional>
 #include <optional>
+#include <thread>
 
 #include "cli/ExistenceCheck.h"
 #include "cli/ShownText.h"
 #include "cli/Texts.h"
+#include "fileop/Parallel.h"
 #include "framework/TypedPath.h"
 #include "text/AsciiCase.h"
 #include "text/Utf8.h"
@@ -42,6 +45,32 @@ std::optional<std::vector<std::string>> TypedItems(CliContext& context, const Co
     return typed;
 }
 
+// Resolves items and sorts them into those that exist and those that do not. `shown` is how the user knows an item.
+void AddExisting(CliContext& context, size_t count, const std::function<Result<std::u16string>(size_t)>& resolve,
+                 const std::function<std::string(size_t)>& shown, ItemList& list) {
+    struct Looked {
+        Result<std::u16string> path = std::u16string();
+        Status status;
+    };
+    std::vector<Looked> looked(count);
+    ExistenceCheck check(context.services);
+    const auto look = [&](size_t i) {
+        if (context.cancel.isCancelled()) return;
+        looked[i].path = resolve(i);
+        looked[i].status = looked[i].path.ok() ? check.Look(*looked[i].path) : looked[i].path.status();
+    };
+    ForEachParallel(count, std::thread::hardware_concurrency(), look, [] {});
+    if (context.cancel.isCancelled()) return;
+    for (size_t i = 0; i < count; ++i) {
+        auto& [path, status] = looked[i];
+        if (status.ok()) {
+            list.paths.push_back(std::move(*path));
+        } else {
+            list.missing.push_back({shown(i), path.ok() ? context.NativePath(*path) : shown(i), status});
+        }
+    }
+}
+
 }  // namespace
 
 std::vector<std::string> SplitItemList(std::string_view content) {
@@ -75,27 +104,17 @@ Result<std::u16string> ResolveTyped(CliContext& context, std::string_view typed)
 
 ItemList CollectItems(CliContext& context, const CommandLine& line) {
     ItemList list;
-    ExistenceCheck check(context.services);
-    const auto add = [&](Result<std::u16string> path, const std::string& shown) {
-        const Status status = path.ok() ? check.Look(*path) : path.status();
-        if (status.ok()) {
-            list.paths.push_back(std::move(*path));
-        } else {
-            list.missing.push_back({shown, path.ok() ? context.NativePath(*path) : shown, status});
-        }
-    };
     if (!line.operands.empty() || line.Has(OptionId::kFilesFrom)) {
         const std::optional<std::vector<std::string>> typed = TypedItems(context, line);
         list.source = typed ? ItemSource::kNamed : ItemSource::kFailed;
-        for (size_t i = 0; typed && i < typed->size() && !context.cancel.isCancelled(); ++i) {
-            add(ResolveTyped(context, (*typed)[i]), (*typed)[i]);
-        }
+        const auto resolve = [&](size_t i) { return ResolveTyped(context, (*typed)[i]); };
+        const auto shown = [&](size_t i) { return (*typed)[i]; };
+        if (typed) AddExisting(context, typed->size(), resolve, shown, list);
     } else if (const auto handedOver = context.services.handedOverItems()) {
         list.source = ItemSource::kHandedOver;
-        for (const std::u16string& item : *handedOver) {
-            if (context.cancel.isCancelled()) break;
-            add(context.services.files.ResolveFullPath(item), context.NativePath(item));
-        }
+        const auto resolve = [&](size_t i) { return context.services.files.ResolveFullPath((*handedOver)[i]); };
+        const auto shown = [&](size_t i) { return context.NativePath((*handedOver)[i]); };
+        AddExisting(context, handedOver->size(), resolve, shown, list);
     }
     if (context.cancel.isCancelled()) list.source = ItemSource::kCancelled;
     return list;
