@@ -11,51 +11,50 @@ namespace {
 struct CallRow {
     SysCall call;
     std::string_view name;
-    bool changesDisk;
 };
 
 // One row for each function of Sys, in the order of the enumeration.
 constexpr CallRow kCalls[] = {
-    {SysCall::kOpenFolder, "OpenFolder", false},
-    {SysCall::kOpenFolderAt, "OpenFolderAt", false},
-    {SysCall::kOpenParent, "OpenParent", false},
-    {SysCall::kPathOf, "PathOf", false},
-    {SysCall::kReadFolder, "ReadFolder", false},
-    {SysCall::kMakeFolderAt, "MakeFolderAt", true},
-    {SysCall::kRemoveFolderAt, "RemoveFolderAt", true},
-    {SysCall::kStat, "Stat", false},
-    {SysCall::kStatAt, "StatAt", false},
-    {SysCall::kDescribeVolume, "DescribeVolume", false},
-    {SysCall::kRenameNoReplace, "RenameNoReplace", true},
-    {SysCall::kExchange, "Exchange", true},
-    {SysCall::kLinkAt, "LinkAt", true},
-    {SysCall::kRemoveFileAt, "RemoveFileAt", true},
-    {SysCall::kReadLinkAt, "ReadLinkAt", false},
-    {SysCall::kMakeLinkAt, "MakeLinkAt", true},
-    {SysCall::kOpenForRead, "OpenForRead", false},
-    {SysCall::kOpenForWrite, "OpenForWrite", false},
-    {SysCall::kCreateFileAt, "CreateFileAt", true},
-    {SysCall::kCreateNameless, "CreateNameless", true},
-    {SysCall::kNameFile, "NameFile", true},
-    {SysCall::kRead, "Read", false},
-    {SysCall::kWrite, "Write", true},
-    {SysCall::kCopyRange, "CopyRange", true},
-    {SysCall::kClone, "Clone", true},
-    {SysCall::kNextData, "NextData", false},
-    {SysCall::kNextHole, "NextHole", false},
-    {SysCall::kSetSize, "SetSize", true},
-    {SysCall::kReserve, "Reserve", true},
-    {SysCall::kSetMode, "SetMode", true},
-    {SysCall::kSetTimes, "SetTimes", true},
-    {SysCall::kSetTimesAt, "SetTimesAt", true},
-    {SysCall::kCopyUserAttributes, "CopyUserAttributes", true},
-    {SysCall::kSync, "Sync", true},
-    {SysCall::kSyncVolume, "SyncVolume", true},
-    {SysCall::kStartWriteback, "StartWriteback", false},
-    {SysCall::kTryLock, "TryLock", false},
-    {SysCall::kBootId, "BootId", false},
-    {SysCall::kUserNumber, "UserNumber", false},
-    {SysCall::kClose, "Close", false},
+    {SysCall::kOpenFolder, "OpenFolder"},
+    {SysCall::kOpenFolderAt, "OpenFolderAt"},
+    {SysCall::kOpenParent, "OpenParent"},
+    {SysCall::kPathOf, "PathOf"},
+    {SysCall::kReadFolder, "ReadFolder"},
+    {SysCall::kMakeFolderAt, "MakeFolderAt"},
+    {SysCall::kRemoveFolderAt, "RemoveFolderAt"},
+    {SysCall::kStat, "Stat"},
+    {SysCall::kStatAt, "StatAt"},
+    {SysCall::kDescribeVolume, "DescribeVolume"},
+    {SysCall::kRenameNoReplace, "RenameNoReplace"},
+    {SysCall::kExchange, "Exchange"},
+    {SysCall::kLinkAt, "LinkAt"},
+    {SysCall::kRemoveFileAt, "RemoveFileAt"},
+    {SysCall::kReadLinkAt, "ReadLinkAt"},
+    {SysCall::kMakeLinkAt, "MakeLinkAt"},
+    {SysCall::kOpenForRead, "OpenForRead"},
+    {SysCall::kOpenForWrite, "OpenForWrite"},
+    {SysCall::kCreateFileAt, "CreateFileAt"},
+    {SysCall::kCreateNameless, "CreateNameless"},
+    {SysCall::kNameFile, "NameFile"},
+    {SysCall::kRead, "Read"},
+    {SysCall::kWrite, "Write"},
+    {SysCall::kCopyRange, "CopyRange"},
+    {SysCall::kClone, "Clone"},
+    {SysCall::kNextData, "NextData"},
+    {SysCall::kNextHole, "NextHole"},
+    {SysCall::kSetSize, "SetSize"},
+    {SysCall::kReserve, "Reserve"},
+    {SysCall::kSetMode, "SetMode"},
+    {SysCall::kSetTimes, "SetTimes"},
+    {SysCall::kSetTimesAt, "SetTimesAt"},
+    {SysCall::kCopyUserAttributes, "CopyUserAttributes"},
+    {SysCall::kSync, "Sync"},
+    {SysCall::kSyncVolume, "SyncVolume"},
+    {SysCall::kStartWriteback, "StartWriteback"},
+    {SysCall::kTryLock, "TryLock"},
+    {SysCall::kBootId, "BootId"},
+    {SysCall::kUserNumber, "UserNumber"},
+    {SysCall::kClose, "Close"},
 };
 
 constexpr bool InOrder() {
@@ -67,18 +66,10 @@ constexpr bool InOrder() {
 }
 static_assert(InOrder());
 
-const CallRow& RowOf(SysCall call) {
-    return kCalls[static_cast<size_t>(call)];
-}
-
 }  // namespace
 
 std::string_view NameOfCall(SysCall call) {
-    return RowOf(call).name;
-}
-
-bool ChangesDisk(SysCall call) {
-    return RowOf(call).changesDisk;
+    return kCalls[static_cast<size_t>(call)].name;
 }
 
 Fault Fault::Fail(StatusCode code) {

@@ -73,8 +73,6 @@ constexpr size_t kSysCallCount = static_cast<size_t>(SysCall::kClose) + 1;
 
 // The function's name in Sys.
 std::string_view NameOfCall(SysCall call);
-// Whether the call changes what is stored, or makes it durable.
-bool ChangesDisk(SysCall call);
 
 // What every call of a killed engine fails with: kOther and this number.
 constexpr int kKilledSystemCode = -9999;

@@ -37,14 +37,13 @@ int64_t MemorySys::Tick() {
 }
 
 bool MemorySys::Allowed(NodeId node, Access access) const {
-    if (user_ == 0) return true;
     const MemoryNode& asked = disk_.node(node);
-    const uint32_t bits = asked.owner == user_ ? asked.attributes.mode >> 6 : asked.attributes.mode;
+    const uint32_t bits = asked.owner == kUser ? asked.attributes.mode >> 6 : asked.attributes.mode;
     return (bits & static_cast<uint32_t>(access)) != 0;
 }
 
 bool MemorySys::OwnerOf(NodeId node) const {
-    return user_ == 0 || disk_.node(node).owner == user_;
+    return disk_.node(node).owner == kUser;
 }
 
 Status MemorySys::MayChangeNames(NodeId folder) const {
@@ -148,7 +147,7 @@ void MemorySys::Touch(NodeId node, bool content) {
 }
 
 Result<NodeId> MemorySys::Create(const Place& place, FileKind kind, uint32_t mode) {
-    const NodeId node = disk_.Create(disk_.node(place.folder).volume, kind, mode & kModeBits, user_, Tick());
+    const NodeId node = disk_.Create(disk_.node(place.folder).volume, kind, mode & kModeBits, kUser, Tick());
     if (node == 0) return Failure(StatusCode::kNoSpace);
     return node;
 }

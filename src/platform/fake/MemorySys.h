@@ -13,8 +13,8 @@
 // attributes safe but not its name; a sync of a folder makes the names in it safe but not the folder's own name.
 //
 // Inode numbers count up, and a freed one is used again as soon as its removal is safe. Times come from a clock that
-// steps with every change. The user is number 1000 and owns what it creates; set-up functions ignore permissions, and
-// so does the user 0. A status carries 1000 + its code as the system's number, and no text.
+// steps with every change. The user is number 1000 and owns what it creates; set-up functions ignore permissions. A
+// status carries 1000 + its code as the system's number, and no text.
 //
 // All functions may be called from several threads at once.
 #pragma once
@@ -80,10 +80,8 @@ class MemorySys final : public Sys {
     uint64_t UsedBytes(std::string_view path) const;  // of the volume, in whole pages
     uint64_t UsedFiles(std::string_view path) const;
 
-    void SetUser(uint32_t user);
     // What each change moves the clock on by; 0 gives all later changes one time.
     void SetClockStep(int64_t nanoseconds);
-    void SetClock(int64_t nanoseconds);  // may go back
 
     // --- the power switch --------------------------------------------------------------------------------------
     // A new file system as a cut at this moment could have left this one; the same seed gives the same one.
@@ -140,10 +138,15 @@ class MemorySys final : public Sys {
     Status Close(int number) override;
 
   private:
+    static constexpr uint32_t kUser = 1000;
     enum class Access : uint8_t { kNone = 0, kRead = 4, kWrite = 2, kEnter = 1 };  // the permission bits
     struct Opened {
         NodeId node = 0;
         bool writable = false;
+    };
+    struct Transfer {
+        NodeId source = 0;
+        NodeId target = 0;
     };
     // A name in an open folder, looked up: `node` is 0 when nothing stands there.
     struct Place {
@@ -159,6 +162,7 @@ class MemorySys final : public Sys {
     Result<Opened> Use(const FileHandle& handle) const;
     Result<NodeId> UseFolder(const FileHandle& handle) const;
     Result<NodeId> UseFile(const FileHandle& handle, bool forWriting) const;
+    Result<Transfer> UseBoth(const FileHandle& from, const FileHandle& to, bool MemoryVolumeOptions::*feature) const;
     Result<Place> LookUp(const FileHandle& folder, std::string_view name) const;
     Result<Place> LookUpExisting(const FileHandle& folder, std::string_view name) const;
     Result<Place> LookUpFree(const FileHandle& folder, std::string_view name) const;
@@ -200,7 +204,6 @@ class MemorySys final : public Sys {
     int nextHandle_ = 3;
     int firstLiveHandle_ = 3;  // those before died in a power cut
     uint32_t boot_ = 1;
-    uint32_t user_ = 1000;
     int64_t clock_ = 1'700'000'000'000'000'000;
     int64_t clockStep_ = 1'000'003;
 };

@@ -169,39 +169,43 @@ Result<size_t> MemorySys::Write(const FileHandle& file, uint64_t offset, std::sp
     return WriteInto(*node, offset, data);
 }
 
-Result<size_t> MemorySys::CopyRange(const FileHandle& from, const FileHandle& to, uint64_t offset, uint64_t length) {
-    const std::lock_guard lock(mutex_);
-    Result<NodeId> source = UseFile(from, false);
-    Result<NodeId> target = UseFile(to, true);
+// The two files of a transfer that their volume has to know how to do.
+Result<MemorySys::Transfer> MemorySys::UseBoth(const FileHandle& from, const FileHandle& to,
+                                               bool MemoryVolumeOptions::*feature) const {
+    const Result<NodeId> source = UseFile(from, false);
+    const Result<NodeId> target = UseFile(to, true);
     if (!source.ok()) return source.status();
     if (!target.ok()) return target.status();
     if (disk_.node(*source).volume != disk_.node(*target).volume) return Failure(StatusCode::kCrossVolume);
-    if (!disk_.OptionsOf(*target).copyRange) return Failure(StatusCode::kUnsupported);
+    if (!(disk_.OptionsOf(*target).*feature)) return Failure(StatusCode::kUnsupported);
+    return Transfer{*source, *target};
+}
+
+Result<size_t> MemorySys::CopyRange(const FileHandle& from, const FileHandle& to, uint64_t offset, uint64_t length) {
+    const std::lock_guard lock(mutex_);
+    const Result<Transfer> both = UseBoth(from, to, &MemoryVolumeOptions::copyRange);
+    if (!both.ok()) return both.status();
     constexpr uint64_t kMost = uint64_t{1} << 20;  // longer requests come up short
     std::vector<std::byte> buffer(static_cast<size_t>(std::min(length, kMost)));
-    const size_t count = disk_.node(*source).content.Read(offset, buffer);
+    const size_t count = disk_.node(both->source).content.Read(offset, buffer);
     if (count == 0) return size_t{0};
-    return WriteInto(*target, offset, std::span(buffer).first(count));
+    return WriteInto(both->target, offset, std::span(buffer).first(count));
 }
 
 Status MemorySys::Clone(const FileHandle& from, const FileHandle& to) {
     const std::lock_guard lock(mutex_);
-    Result<NodeId> source = UseFile(from, false);
-    Result<NodeId> target = UseFile(to, true);
-    if (!source.ok()) return source.status();
-    if (!target.ok()) return target.status();
-    if (disk_.node(*source).volume != disk_.node(*target).volume) return Failure(StatusCode::kCrossVolume);
-    if (!disk_.OptionsOf(*target).clone) return Failure(StatusCode::kUnsupported);
-    MemoryNode& node = disk_.node(*target);
+    const Result<Transfer> both = UseBoth(from, to, &MemoryVolumeOptions::clone);
+    if (!both.ok()) return both.status();
+    MemoryNode& node = disk_.node(both->target);
     // Counted like a copy: the room that a clone saves is not what tests are about.
     disk_.GivePages(node.volume, disk_.PagesOf(node));
-    const MemoryContent before = std::exchange(node.content, disk_.node(*source).content);
+    const MemoryContent before = std::exchange(node.content, disk_.node(both->source).content);
     if (!disk_.TakePages(node.volume, disk_.PagesOf(node))) {
         node.content = before;
         (void)disk_.TakePages(node.volume, disk_.PagesOf(node));
         return Failure(StatusCode::kNoSpace);
     }
-    Touch(*target, true);
+    Touch(both->target, true);
     return {};
 }
 
@@ -335,8 +339,7 @@ std::string MemorySys::BootId() {
 }
 
 uint32_t MemorySys::UserNumber() {
-    const std::lock_guard lock(mutex_);
-    return user_;
+    return kUser;
 }
 
 }  // namespace kinsort

@@ -62,7 +62,7 @@ MemorySys::Place MemorySys::Prepare(std::string_view path) {
 }
 
 NodeId MemorySys::AddSafely(const Place& place, FileKind kind, uint32_t mode) {
-    const NodeId node = disk_.Create(disk_.node(place.folder).volume, kind, mode, user_, Tick());
+    const NodeId node = disk_.Create(disk_.node(place.folder).volume, kind, mode, kUser, Tick());
     Require(node != 0, "no room to set up", place.name);
     const MemoryEntry entry{place.name, node};
     disk_.ApplySafely({.changes = {{place.folder, disk_.Fold(place.folder, place.name), entry}}, .creates = node});
@@ -224,19 +224,9 @@ uint64_t MemorySys::UsedFiles(std::string_view path) const {
     return disk_.VolumeOf(NodeAt(path)).usedFiles;
 }
 
-void MemorySys::SetUser(uint32_t user) {
-    const std::lock_guard lock(mutex_);
-    user_ = user;
-}
-
 void MemorySys::SetClockStep(int64_t nanoseconds) {
     const std::lock_guard lock(mutex_);
     clockStep_ = nanoseconds;
-}
-
-void MemorySys::SetClock(int64_t nanoseconds) {
-    const std::lock_guard lock(mutex_);
-    clock_ = nanoseconds;
 }
 
 size_t MemorySys::openHandles() const {
@@ -254,7 +244,6 @@ size_t MemorySys::unsafeOperations() const {
 MemorySys::MemorySys(const MemorySys& other, uint64_t seed) : disk_(other.disk_) {
     nextHandle_ = other.nextHandle_;
     boot_ = other.boot_;
-    user_ = other.user_;
     clock_ = other.clock_;
     clockStep_ = other.clockStep_;
     PowerCut(seed);
