@@ -287,6 +287,47 @@ TEST_F(LinuxWindowMessagesTest, HostilePeersAreClosedWithoutHarm) {
     EXPECT_EQ(countFiles(), before);
 }
 
+TEST_F(LinuxWindowMessagesTest, LargeMessagesAreTakenInOneAfterTheOther) {
+    const auto receiver = Make({.frameMs = 60'000});
+    const auto window = receiver->RegisterTopLevel(u"A", recorder_);
+    struct Sender {
+        Descriptor connection;
+        Bytes bytes;
+        size_t sent = 0;
+        void Push(size_t end) {
+            for (ssize_t put = 1; put > 0 && sent < end; sent += static_cast<size_t>(std::max<ssize_t>(put, 0)))
+                put = send(connection.get(), bytes.data() + sent, end - sent, MSG_NOSIGNAL | MSG_DONTWAIT);
+        }
+    };
+    std::vector<Sender> senders;
+    const Bytes data = Pattern(8'000'000);
+    for (int i = 0; i < 3; ++i) {
+        const auto header = EncodeHeader({FrameKind::kSentData, 0, 0, 0, 0, static_cast<uint32_t>(data.size())});
+        senders.push_back({RawConnection(), Bytes(header.begin(), header.end())});
+        senders.back().bytes.insert(senders.back().bytes.end(), data.begin(), data.end());
+    }
+    const size_t whole = senders[0].bytes.size();
+    while (senders[0].sent < whole - 1) {
+        for (Sender& sender : senders)
+            sender.Push(&sender == &senders[0] ? whole - 1 : whole);
+        ASSERT_TRUE(WaitReadable(receiver->EventDescriptor()));
+        receiver->Dispatch();
+    }
+    pollfd quiet = {receiver->EventDescriptor(), POLLIN, 0};
+    for (int i = 0; i < 1000 && poll(&quiet, 1, 0) == 1; ++i)
+        receiver->Dispatch();
+    EXPECT_EQ(poll(&quiet, 1, 0), 0) << "those that wait for their turn wake nobody";
+    EXPECT_LT(std::max(senders[1].sent, senders[2].sent), 2'000'000u);
+    while (recorder_.got.size() < 3) {
+        for (Sender& sender : senders)
+            sender.Push(whole);
+        ASSERT_TRUE(WaitReadable(receiver->EventDescriptor()));
+        receiver->Dispatch();
+    }
+    for (const Got& got : recorder_.got)
+        EXPECT_EQ(got.data, data);
+}
+
 TEST_F(LinuxWindowMessagesTest, AnotherUserIsClosedUnread) {
     if (geteuid() != 0) GTEST_SKIP() << "only root can play another user";
     const auto receiver = Make();

@@ -41,6 +41,21 @@ bool MayHave(FrameKind kind, uint32_t dataBytes) {
     return false;
 }
 
+// Nothing for bytes that are no header, of an unknown kind, or that announce more data than the kind may have.
+std::optional<FrameHeader> DecodeHeader(std::span<const std::byte, kFrameHeaderBytes> bytes) {
+    const std::byte* at = bytes.data();
+    if (Get<uint32_t>(at) != kHeaderMagic) return std::nullopt;
+    FrameHeader header;
+    header.kind = static_cast<FrameKind>(Get<uint32_t>(at));
+    header.message = Get<uint32_t>(at);
+    header.dataBytes = Get<uint32_t>(at);
+    header.sender = Get<uint64_t>(at);
+    header.first = Get<uint64_t>(at);
+    header.second = static_cast<int64_t>(Get<uint64_t>(at));
+    if (!MayHave(header.kind, header.dataBytes)) return std::nullopt;
+    return header;
+}
+
 }  // namespace
 
 std::array<std::byte, kFrameHeaderBytes> EncodeHeader(const FrameHeader& header) {
@@ -54,20 +69,6 @@ std::array<std::byte, kFrameHeaderBytes> EncodeHeader(const FrameHeader& header)
     Put(at, header.first);
     Put(at, static_cast<uint64_t>(header.second));
     return bytes;
-}
-
-std::optional<FrameHeader> DecodeHeader(std::span<const std::byte, kFrameHeaderBytes> bytes) {
-    const std::byte* at = bytes.data();
-    if (Get<uint32_t>(at) != kHeaderMagic) return std::nullopt;
-    FrameHeader header;
-    header.kind = static_cast<FrameKind>(Get<uint32_t>(at));
-    header.message = Get<uint32_t>(at);
-    header.dataBytes = Get<uint32_t>(at);
-    header.sender = Get<uint64_t>(at);
-    header.first = Get<uint64_t>(at);
-    header.second = static_cast<int64_t>(Get<uint64_t>(at));
-    if (!MayHave(header.kind, header.dataBytes)) return std::nullopt;
-    return header;
 }
 
 std::array<std::byte, kFrameAnswerBytes> EncodeAnswer(std::optional<int64_t> answer) {
@@ -88,14 +89,15 @@ std::optional<FrameAnswer> DecodeAnswer(std::span<const std::byte, kFrameAnswerB
     return answer;
 }
 
-FrameReader::State FrameReader::Read() {
+FrameReader::State FrameReader::Read(size_t mostData) {
     while (state_ == State::kWaiting) {
         const bool isHeader = !header_;
         std::byte* into = headerBytes_.data() + headerCount_;
         size_t wanted = kFrameHeaderBytes - headerCount_;
         const size_t before = data_.size();
         if (!isHeader) {
-            wanted = std::min(kPieceBytes, size_t{header_->dataBytes} - before);
+            if (before >= mostData) return state_;
+            wanted = std::min({kPieceBytes, size_t{header_->dataBytes} - before, mostData - before});
             data_.resize(before + wanted);
             into = data_.data() + before;
         }

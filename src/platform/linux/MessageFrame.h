@@ -36,8 +36,6 @@ constexpr size_t kFrameHeaderBytes = 40;
 constexpr size_t kFrameAnswerBytes = 16;
 
 std::array<std::byte, kFrameHeaderBytes> EncodeHeader(const FrameHeader& header);
-// Nothing for bytes that are no header, of an unknown kind, or that announce more data than the kind may have.
-std::optional<FrameHeader> DecodeHeader(std::span<const std::byte, kFrameHeaderBytes> bytes);
 
 // No answer: the window is gone.
 std::array<std::byte, kFrameAnswerBytes> EncodeAnswer(std::optional<int64_t> answer);
@@ -53,12 +51,14 @@ class FrameReader {
     explicit FrameReader(Descriptor connection) : connection_(std::move(connection)) {}
 
     enum class State : uint8_t { kWaiting, kComplete, kBroken };
-    // Reads what is there, without waiting; what follows a complete message is left alone.
-    State Read();
+    // Reads what is there, without waiting, until it holds `mostData` bytes of data; what follows a complete message is
+    // left alone.
+    State Read(size_t mostData = SIZE_MAX);
     State state() const { return state_; }
 
     int descriptor() const { return connection_.get(); }
-    // Of a complete message.
+    // Bytes of data that are held; none before the header is.
+    size_t dataCount() const { return data_.size(); }
     const FrameHeader& header() const { return *header_; }
     std::vector<std::byte> TakeData() { return std::move(data_); }
     Descriptor TakeConnection() { return std::move(connection_); }

@@ -20,6 +20,10 @@ namespace {
 // Until the system is asked again for a descriptor that it did not have.
 constexpr std::chrono::milliseconds kRetry{10};
 
+// So much of its data every message may bring at once. What is larger waits for its turn: many connections together
+// cannot take more memory than each of them so much.
+constexpr size_t kFirstPartBytes = size_t{1} << 20;
+
 }  // namespace
 
 EventSet::EventSet() : set_(epoll_create1(EPOLL_CLOEXEC)) {}
@@ -56,6 +60,7 @@ void MessageInbox::Remove(WindowHandle window) {
     sockets_.Remove(listener->second);
     listeners_.erase(listener);
     std::erase_if(incoming_, [window](const Incoming& message) { return message.window == window; });
+    WatchThoseThatGoOn();
 }
 
 void MessageInbox::TakeIn() {
@@ -103,20 +108,49 @@ bool MessageInbox::HasRoomFor(const FrameHeader& header) const {
 
 void MessageInbox::Read(Moment now) {
     using State = FrameReader::State;
+    bool hasKeptLarge = false;  // which somebody should handle before there is another one
     for (Incoming& message : incoming_) {
         FrameReader& reader = message.reader;
         if (reader.state() == State::kWaiting) {
-            if (reader.Read() == State::kWaiting) continue;
+            const size_t most = !hasKeptLarge && MayGrow(message) ? kMaxMessageBytes : kFirstPartBytes;
+            if (reader.Read(most) == State::kWaiting) continue;
             sockets_.Remove(reader.descriptor());  // nothing more to come; that it closes is no event either
         }
         // One without room stays here, and those that wait behind it in the system's queue stay there.
-        if (reader.state() == State::kComplete && HasRoomFor(reader.header())) Keep(message);
+        if (reader.state() != State::kComplete || !HasRoomFor(reader.header())) continue;
+        hasKeptLarge |= reader.dataCount() > kFirstPartBytes;
+        Keep(message);
     }
     std::erase_if(incoming_, [now](const Incoming& message) {
         const bool isTaken = message.reader.descriptor() < 0;
         const bool isLate = message.reader.state() == State::kWaiting && message.deadline <= now;
         return isTaken || isLate || message.reader.state() == State::kBroken;
     });
+    WatchThoseThatGoOn();
+}
+
+// Beyond the first part goes one message that is sent and one that is posted at a time: posted ones, which may have to
+// wait for room, do not keep those from coming whose sender waits.
+bool MessageInbox::MayGrow(const Incoming& message) const {
+    if (message.reader.dataCount() < kFirstPartBytes) return false;
+    return std::ranges::none_of(incoming_, [&message](const Incoming& other) {
+        return &other != &message && other.reader.dataCount() > kFirstPartBytes &&
+               IsPosted(other.reader.header().kind) == IsPosted(message.reader.header().kind);
+    });
+}
+
+// One that has to wait for its turn would wake us all the time.
+void MessageInbox::WatchThoseThatGoOn() {
+    for (Incoming& message : incoming_) {
+        if (message.reader.state() != FrameReader::State::kWaiting) continue;
+        const bool goesOn = message.reader.dataCount() < kFirstPartBytes || MayGrow(message);
+        if (goesOn == message.isWatched) continue;
+        if (goesOn)
+            (void)sockets_.Add(message.reader.descriptor());
+        else
+            sockets_.Remove(message.reader.descriptor());
+        message.isWatched = goesOn;
+    }
 }
 
 void MessageInbox::Keep(Incoming& message) {

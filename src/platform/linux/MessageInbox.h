@@ -69,10 +69,13 @@ class MessageInbox {
         WindowHandle window;
         FrameReader reader;
         Moment deadline;
+        bool isWatched = true;  // an event tells that more of it has come
     };
 
     void Accept(Moment now);
     void Read(Moment now);
+    bool MayGrow(const Incoming& message) const;
+    void WatchThoseThatGoOn();
     void Keep(Incoming& message);
     bool HasRoomFor(const FrameHeader& header) const;
     void Listen(Moment now);
