@@ -1,6 +1,6 @@
 // Runs every case of tests/*.ecs in a world of its own.
 #include <algorithm>
-#include <array>
+#include <chrono>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -74,26 +74,17 @@ std::string BytesOfHex(const std::u16string& text) {
     return bytes;
 }
 
-// The days since 1970 of a date of the Gregorian calendar.
-int64_t DaysSince1970(int64_t year, int64_t month, int64_t day) {
-    if (month <= 2) --year;
-    const int64_t era = year / 400;
-    const int64_t yearOfEra = year - era * 400;
-    const int64_t dayOfYear = (153 * (month + (month > 2 ? -3 : 9)) + 2) / 5 + day - 1;
-    return era * 146097 + yearOfEra * 365 + yearOfEra / 4 - yearOfEra / 100 + dayOfYear - 719468;
-}
-
+// "2025-01-05 09:07:03".
 int64_t SecondsOf(const std::u16string& moment) {
-    const auto number = [&](size_t at, size_t size) { return ReadInt64(moment.substr(at, size)); };
-    return DaysSince1970(number(0, 4), number(5, 2), number(8, 2)) * 86400 + number(11, 2) * 3600 + number(14, 2) * 60 +
-           number(17, 2);
+    const auto number = [&](size_t at) { return ReadInt32(moment.substr(at, 2)); };
+    const std::chrono::sys_days day = std::chrono::year(ReadInt32(moment)) / number(5) / number(8);
+    return int64_t{day.time_since_epoch().count()} * 86400 + number(11) * 3600 + number(14) * 60 + number(17);
 }
 
 // Notes what is asked, in one list with everything else that happens outside.
-class NotingUserInterface final : public UserInterface {
+class NotingUserInterface final : public ScriptedUserInterface {
   public:
-    NotingUserInterface(UserInterface& inner, std::function<void(std::u16string)> note)
-        : inner_(inner), note_(std::move(note)) {}
+    explicit NotingUserInterface(std::function<void(std::u16string)> note) : note_(std::move(note)) {}
 
     MessageAnswer ShowMessage(const MessageRequest& request) override {
         std::u16string text = u"box";
@@ -103,28 +94,14 @@ class NotingUserInterface final : public UserInterface {
         if (request.owner != kNoWindow) text += u" over " + FormatInteger(static_cast<int64_t>(request.owner));
         if (!request.title.empty()) text += u" [" + request.title + u"]";
         note_(text + u": " + request.text);
-        return inner_.ShowMessage(request);
+        return ScriptedUserInterface::ShowMessage(request);
     }
     std::optional<size_t> ChooseOne(const ChoiceRequest& request) override {
         note_(u"choose: " + request.instruction + u" | " + Join(request.choices, u" | "));
-        return inner_.ChooseOne(request);
+        return ScriptedUserInterface::ChooseOne(request);
     }
-    std::optional<std::u16string> BrowseForFolder(const FolderRequest& request) override {
-        return inner_.BrowseForFolder(request);
-    }
-    std::u16string GetClipboardText() override { return inner_.GetClipboardText(); }
-    void SetClipboardText(std::u16string_view text) override { inner_.SetClipboardText(text); }
-    bool IsKeyDown(ModifierKey key) override { return inner_.IsKeyDown(key); }
-    WindowHandle MainWindow() override { return inner_.MainWindow(); }
-    void BringToForeground(WindowHandle window) override { inner_.BringToForeground(window); }
-    std::optional<ScreenRectangle> WindowRectangle(WindowHandle window) override {
-        return inner_.WindowRectangle(window);
-    }
-    std::optional<ScreenRectangle> WorkArea(WindowHandle window) override { return inner_.WorkArea(window); }
-    std::vector<ScreenRectangle> Screens() override { return inner_.Screens(); }
 
   private:
-    UserInterface& inner_;
     std::function<void(std::u16string)> note_;
 };
 
@@ -140,26 +117,9 @@ class CaseRunner final : public ScriptObserver {
             Prepare(given);
         if (!messageFile_.empty()) world_.AddScript(world_.messages.GetMessageFilePath(), messageFile_);
 
-        NotingUserInterface ui(world_.ui, [this](std::u16string event) { Note(std::move(event)); });
-        ScriptServices inner{.files = world_.files,
-                             .ui = ui,
-                             .windows = world_.windows,
-                             .processes = world_.processes,
-                             .opener = world_.opener,
-                             .environment = world_.environment,
-                             .codec = *world_.codec,
-                             .codePages = *world_.codePages,
-                             .settings = world_.settings,
-                             .folders = world_.folders,
-                             .messages = world_.messages,
-                             .clock = world_.clock,
-                             .sleeper = world_.sleeper,
-                             .launchWorkers = world_.workers,
-                             .system = *world_.system,
-                             .locale = world_.locale,
-                             .observer = this,
-                             .cancel = &world_.cancel,
-                             .maxVariableUnits = memory_};
+        ScriptServices inner = world_.ServicesWith({.ui = &ui_});
+        inner.observer = this;
+        inner.maxVariableUnits = memory_;
         ReportedServices reported(
             inner, world_.registry, [this](const std::u16string& event) { Note(event); }, Performance::kReportAndDo);
         call_.variables = &variables_;
@@ -213,8 +173,8 @@ class CaseRunner final : public ScriptObserver {
             JudgeLine(line, expectation);
         EXPECT_EQ(ShowWithEscapes(kEndings[static_cast<size_t>(result_.ending)]), ShowWithEscapes(ending_));
         EXPECT_EQ(result_.code, code_);
-        EXPECT_EQ(world_.ui.unexpected, 0) << "a question for which no answer is given";
-        EXPECT_TRUE(world_.ui.messageAnswers.empty()) << "an answer that nothing asked for";
+        EXPECT_EQ(ui_.unexpected, 0) << "a question for which no answer is given";
+        EXPECT_TRUE(ui_.messageAnswers.empty()) << "an answer that nothing asked for";
     }
 
     // What happened after the last line counts to that line, unless the case expects it at the end.
@@ -276,6 +236,7 @@ class CaseRunner final : public ScriptObserver {
 
     const ScriptCase& case_;
     ScriptWorld world_;
+    NotingUserInterface ui_{[this](std::u16string event) { Note(std::move(event)); }};
     VariableTable variables_;
     std::vector<std::u16string> items_;
     ScriptCall call_{
@@ -303,14 +264,14 @@ void CaseRunner::Prepare(const CaseDirective& given) {
         {u"answer",
          [](CaseRunner& self, const std::u16string& text) {
              for (const NamedAnswer& row : kAnswers)
-                 if (row.name == text) return self.world_.ui.messageAnswers.push_back(row.answer);
+                 if (row.name == text) return self.ui_.messageAnswers.push_back(row.answer);
              FAIL() << "no answer of that name";
          }},
         {u"choose",
          [](CaseRunner& self, const std::u16string& text) {
              std::optional<size_t> choice;
              if (text != u"cancel") choice = static_cast<size_t>(ReadInt32(text));
-             self.world_.ui.choices.push_back(choice);
+             self.ui_.choices.push_back(choice);
          }},
         {u"file",
          [](CaseRunner& self, const std::u16string& text) {
@@ -325,7 +286,7 @@ void CaseRunner::Prepare(const CaseDirective& given) {
         {u"folder", [](CaseRunner& self, const std::u16string& text) { self.world_.files.AddFolder(text); }},
         {u"full", [](CaseRunner& self, const std::u16string& text) { self.world_.files.FillUp(text); }},
         {u"denied", [](CaseRunner& self, const std::u16string& text) { self.world_.files.DenyFolder(text); }},
-        {u"clipboard", [](CaseRunner& self, const std::u16string& text) { self.world_.ui.clipboard = text; }},
+        {u"clipboard", [](CaseRunner& self, const std::u16string& text) { self.ui_.clipboard = text; }},
         {u"env",
          [](CaseRunner& self, const std::u16string& text) {
              const size_t equals = text.find(u'=');
@@ -361,15 +322,15 @@ void CaseRunner::Prepare(const CaseDirective& given) {
          [](CaseRunner& self, const std::u16string& text) {
              for (const std::u16string& screen : List(text)) {
                  const auto edges = SplitSkippingEmpty(screen, u' ');
-                 self.world_.ui.screens.push_back(
+                 self.ui_.screens.push_back(
                      {ReadInt32(edges.at(0)), ReadInt32(edges.at(1)), ReadInt32(edges.at(2)), ReadInt32(edges.at(3))});
              }
-             self.world_.ui.workArea = self.world_.ui.screens.at(0);
-             self.world_.ui.workArea->bottom -= 40;
+             self.ui_.workArea = self.ui_.screens.at(0);
+             self.ui_.workArea->bottom -= 40;
          }},
         {u"keys",
          [](CaseRunner& self, const std::u16string& text) {
-             auto& keys = self.world_.ui.keysDown;
+             auto& keys = self.ui_.keysDown;
              if (text.find(u"shift") != text.npos) keys.insert(ModifierKey::kShift);
              if (text.find(u"control") != text.npos) keys.insert(ModifierKey::kControl);
              if (text.find(u"alt") != text.npos) keys.insert(ModifierKey::kAlt);
@@ -411,7 +372,7 @@ void CaseRunner::JudgeDirectives(std::vector<std::u16string>& eventsAtEnd) {
          }},
         {u"clipboard",
          [](CaseRunner& self, const std::u16string& text) {
-             EXPECT_EQ(ShowWithEscapes(self.world_.ui.clipboard), ShowWithEscapes(text));
+             EXPECT_EQ(ShowWithEscapes(self.ui_.clipboard), ShowWithEscapes(text));
          }},
         {u"variable",
          [](CaseRunner& self, const std::u16string& text) {

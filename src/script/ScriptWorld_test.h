@@ -36,6 +36,16 @@ inline std::string Utf16Bytes(std::u16string_view text) {
     return bytes;
 }
 
+// What stands in for the world's own, where it is given.
+struct OtherServices {
+    FileSystem* files = nullptr;
+    UserInterface* ui = nullptr;
+    WindowMessages* windows = nullptr;
+    Processes* processes = nullptr;
+    DesktopOpener* opener = nullptr;
+    const PathCodec* codec = nullptr;
+};
+
 struct ScriptWorld {
     MemoryFileSystem files;
     ScriptedUserInterface ui;
@@ -57,25 +67,30 @@ struct ScriptWorld {
     CancelToken cancel;
     LaunchWorkers workers;
 
-    ScriptServices services{.files = files,
-                            .ui = ui,
-                            .windows = windows,
-                            .processes = processes,
-                            .opener = opener,
-                            .environment = environment,
-                            .codec = *codec,
-                            .codePages = *codePages,
-                            .settings = settings,
-                            .folders = folders,
-                            .messages = messages,
-                            .clock = clock,
-                            .sleeper = sleeper,
-                            .launchWorkers = workers,
-                            .system = *system,
-                            .locale = locale,
-                            .observer = nullptr,
-                            .cancel = &cancel,
-                            .maxVariableUnits = kMaxVariableUnits};
+    ScriptServices services = ServicesWith({});
+
+    ScriptServices ServicesWith(const OtherServices& others) {
+        const auto pick = [](auto* other, auto& own) -> auto& {
+            return other == nullptr ? own : *other;
+        };
+        return {.files = pick(others.files, files),
+                .ui = pick(others.ui, ui),
+                .windows = pick(others.windows, windows),
+                .processes = pick(others.processes, processes),
+                .opener = pick(others.opener, opener),
+                .environment = environment,
+                .codec = pick(others.codec, *codec),
+                .codePages = *codePages,
+                .settings = settings,
+                .folders = folders,
+                .messages = messages,
+                .clock = clock,
+                .sleeper = sleeper,
+                .launchWorkers = workers,
+                .system = *system,
+                .locale = locale,
+                .cancel = &cancel};
+    }
 
     void AddScript(std::u16string_view path, std::u16string_view text) { files.SetContent(path, Utf16Bytes(text)); }
 };

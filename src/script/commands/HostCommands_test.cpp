@@ -15,7 +15,6 @@
 #include "platform/linux/TemporaryFolder_test.h"
 #include "script/ScriptWorld_test.h"
 #include "script/VariableTable.h"
-#include "script/commands/HostMessages.h"
 #include "text/Utf8.h"
 
 namespace kinsort {
@@ -33,49 +32,24 @@ ScriptEnding RunIn(const ScriptServices& services, std::vector<std::u16string>& 
     return RunScript(services, call).ending;
 }
 
-TEST(HostCommandsTest, EveryMessageArrivesInTheHostByteForByte) {
+TEST(HostCommandsTest, MessagesArriveInTheHostByteForByte) {
     const TemporaryFolder folder;
     const auto make = [&folder] { return MakeWindowMessagesIn(folder.path() + "/vel"); };
     ScriptWorld world;
-    std::u16string text;
-    std::vector<Got> expected;
-    for (const TextMessageRow& row : kTextMessages) {
-        text.append(row.keyword).append(u"=a\u3042\\,b\n");
-        expected.push_back({'d', row.code, 0, 55, CopyDataBytes(u"a\u3042\\,b")});
-    }
-    text += u"favoritejump=0,C:\\x\n";
-    expected.push_back({'d', 901, 0, 55, CopyDataBytes(u"10/C:\\x")});
-    for (const CommandMessageRow& row : kCommandMessages) {
-        text.append(row.keyword).append(u"=-3,4\n");
-        expected.push_back({'n', ~uint64_t{2}, 4, row.message, {}});
-    }
-    world.AddScript(kScript, text);
+    world.AddScript(kScript, u"select=a\u3042\\,b\nfavoritejump=0,C:\\x\npostmessage=-3,4\nsendmessageall=-3,4\n");
     world.ui.mainWindow = 55;
 
     Recorder recorder;
     OtherProgram host(make, recorder, {}, std::u16string(kHostWindowClass));
     const std::unique_ptr<WindowMessages> windows = make();
-    ScriptServices services{.files = world.files,
-                            .ui = world.ui,
-                            .windows = *windows,
-                            .processes = world.processes,
-                            .opener = world.opener,
-                            .environment = world.environment,
-                            .codec = *world.codec,
-                            .codePages = *world.codePages,
-                            .settings = world.settings,
-                            .folders = world.folders,
-                            .messages = world.messages,
-                            .clock = world.clock,
-                            .sleeper = world.sleeper,
-                            .launchWorkers = world.workers,
-                            .system = *world.system,
-                            .locale = world.locale};
     std::vector<std::u16string> items;
-    EXPECT_EQ(RunIn(services, items), ScriptEnding::kFinished);
+    EXPECT_EQ(RunIn(world.ServicesWith({.windows = windows.get()}), items), ScriptEnding::kFinished);
     host.Stop();
     // What is posted may be dealt with after what is sent later.
-    EXPECT_THAT(recorder.got, testing::UnorderedElementsAreArray(expected));
+    EXPECT_THAT(recorder.got, testing::UnorderedElementsAre(Got{'d', 800, 0, 55, CopyDataBytes(u"a\u3042\\,b")},
+                                                            Got{'d', 901, 0, 55, CopyDataBytes(u"10/C:\\x")},
+                                                            Got{'n', ~uint64_t{2}, 4, 0x0111, {}},
+                                                            Got{'n', ~uint64_t{2}, 4, 0x8008, {}}));
     EXPECT_THAT(world.ui.messages, IsEmpty());
 }
 
@@ -213,23 +187,8 @@ class RealProgramsTest : public testing::Test {
     std::unique_ptr<Processes> processes_ = MakeLinuxProcesses(*codec_, *files_);
     std::unique_ptr<DesktopOpener> opener_ = MakeLinuxDesktopOpener(*processes_, *files_, *codec_);
     std::vector<std::u16string> items_;
-    ScriptServices services_{.files = *files_,
-                             .ui = world_.ui,
-                             .windows = world_.windows,
-                             .processes = *processes_,
-                             .opener = *opener_,
-                             .environment = world_.environment,
-                             .codec = *codec_,
-                             .codePages = *world_.codePages,
-                             .settings = world_.settings,
-                             .folders = world_.folders,
-                             .messages = world_.messages,
-                             .clock = world_.clock,
-                             .sleeper = world_.sleeper,
-                             .launchWorkers = world_.workers,
-                             .system = *world_.system,
-                             .locale = world_.locale,
-                             .cancel = &world_.cancel};
+    ScriptServices services_ = world_.ServicesWith(
+        {.files = files_.get(), .processes = processes_.get(), .opener = opener_.get(), .codec = codec_.get()});
 };
 
 TEST_F(RealProgramsTest, ArgumentsFoldersAndExitCodesAreExact) {
@@ -263,17 +222,6 @@ TEST_F(RealProgramsTest, OneThatDoesNotEndIsKilledOnYes) {
         while (Content(name) != "x\n")
             std::this_thread::yield();
     }
-}
-
-TEST_F(RealProgramsTest, CancelEndsTheWaitForAProgram) {
-    std::thread canceller([this] {
-        while (Content("helper.report").empty())
-            std::this_thread::yield();
-        world_.cancel.Cancel();
-    });
-    EXPECT_EQ(Run(u"result=call," + At("helper") + u" stubborn\nresult=never\n"), u"unset");
-    canceller.join();
-    EXPECT_THAT(world_.ui.messages, IsEmpty());
 }
 
 TEST_F(RealProgramsTest, ItemsReachTheProgramWhole) {
