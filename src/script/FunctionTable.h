@@ -1,7 +1,7 @@
 // The built-in functions ("x=name,arguments"), one row each. The engine, `kinsort script check` and the help read this
 // table.
 //
-// To add a function: it and a row in the slice of its family (script/functions/*Functions.h). Nothing else.
+// To add a function: it, its line in functions/Functions.h and its row in FunctionTable.cpp. Nothing else.
 #pragma once
 
 #include <cstddef>

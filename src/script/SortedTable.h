@@ -1,4 +1,4 @@
-// Tables that are made of slices at compile time and looked things up in by name.
+// Tables that are sorted at compile time and looked things up in by name.
 #pragma once
 
 #include <algorithm>
@@ -16,12 +16,10 @@ constexpr bool ComesBefore(std::u16string_view a, std::u16string_view b) {
                                         [](char16_t x, char16_t y) { return AsciiLower(x) < AsciiLower(y); });
 }
 
-// All rows of the slices, sorted by `name`.
-template <typename Row, size_t... kSizes>
-consteval auto JoinSlices(std::u16string_view Row::*name, const std::array<Row, kSizes>&... slices) {
-    std::array<Row, (kSizes + ...)> table{};
-    auto place = table.begin();
-    ((place = std::copy(slices.begin(), slices.end(), place)), ...);
+// The rows, sorted by `name`.
+template <typename Row, size_t kCount>
+consteval std::array<Row, kCount> SortedRows(std::u16string_view Row::*name, const Row (&rows)[kCount]) {
+    std::array<Row, kCount> table = std::to_array(rows);
     std::sort(table.begin(), table.end(), [name](const Row& a, const Row& b) { return ComesBefore(a.*name, b.*name); });
     return table;
 }

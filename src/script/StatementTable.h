@@ -1,7 +1,8 @@
 // The statement commands of the language ("keyword=value"), one row each. The engine, `kinsort script check` and the
 // help read this table.
 //
-// To add a command: its function and a row in the slice of its family (script/commands/*Statements.h). Nothing else.
+// To add a command: its function, the line of that in commands/Statements.h and its row in StatementTable.cpp. Nothing
+// else.
 #pragma once
 
 #include <cstddef>

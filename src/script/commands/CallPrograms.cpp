@@ -1,10 +1,12 @@
-#include "script/commands/CallPrograms.h"
+// Programs that are started by their command line, and waited for or not: "call" and "exec", as statements and as
+// functions; "wait".
+#include <optional>
 
 #include "framework/Processes.h"
 #include "script/ScriptLine.h"
 #include "script/ScriptRun.h"
-#include "script/commands/Programs.h"
-#include "script/functions/ProcessFunctions.h"
+#include "script/commands/Statements.h"
+#include "script/functions/Functions.h"
 #include "text/Numbers.h"
 
 namespace kinsort {
@@ -14,18 +16,10 @@ namespace {
 // What the script sees when the user had the program ended.
 constexpr uint32_t kKilledResult = kStillRunning;
 
-FunctionResult CallCommandLine(ScriptRun& run, const FunctionCall& call, CallWaiting waiting) {
-    const std::optional<std::u16string> commandLine = ExpandLine(call.arguments, run.scope, Trimming::kTrim);
-    if (!commandLine) {
-        run.FailTooLong(call.statement);
-        return FunctionResult::Ended();
-    }
-    std::optional<std::u16string> result = RunCommandLine(run, *commandLine, waiting);
-    return result ? FunctionResult::Plain(std::move(*result)) : FunctionResult::Unchanged();
-}
+enum class CallWaiting : uint8_t { kWaits, kDoesNotWait };
 
-}  // namespace
-
+// Starts the command line. Its exit code in decimal, "259" while the program runs or when the user had it ended;
+// nothing when it could not be started, which the user has been told, or when the run was cancelled meanwhile.
 std::optional<std::u16string> RunCommandLine(ScriptRun& run, std::u16string_view commandLine, CallWaiting waiting) {
     const CommandOptions& options = run.options;
     const std::u16string& folder = options.bootDir.empty() ? run.scope.currentFolder : options.bootDir;
@@ -45,6 +39,18 @@ std::optional<std::u16string> RunCommandLine(ScriptRun& run, std::u16string_view
     run.Pause(options.runWaitMs);
     return FormatInteger(result);
 }
+
+FunctionResult CallCommandLine(ScriptRun& run, const FunctionCall& call, CallWaiting waiting) {
+    const std::optional<std::u16string> commandLine = ExpandLine(call.arguments, run.scope, Trimming::kTrim);
+    if (!commandLine) {
+        run.FailTooLong(call.statement);
+        return FunctionResult::Ended();
+    }
+    std::optional<std::u16string> result = RunCommandLine(run, *commandLine, waiting);
+    return result ? FunctionResult::Plain(std::move(*result)) : FunctionResult::Unchanged();
+}
+
+}  // namespace
 
 LineOutcome RunCall(ScriptRun& run, const StatementCall& call) {
     (void)RunCommandLine(run, call.value, CallWaiting::kWaits);

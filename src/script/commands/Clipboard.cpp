@@ -1,7 +1,7 @@
 // "setclipboardtext" and "GetClipboardText".
 #include "script/ScriptRun.h"
-#include "script/commands/LocalStatements.h"
-#include "script/functions/LocalFunctions.h"
+#include "script/commands/Statements.h"
+#include "script/functions/Functions.h"
 
 namespace kinsort {
 

@@ -5,7 +5,7 @@
 #include "framework/Messages.h"
 #include "framework/Processes.h"
 #include "script/ScriptRun.h"
-#include "script/commands/Programs.h"
+#include "script/commands/ShellTarget.h"
 
 namespace kinsort {
 

@@ -32,12 +32,7 @@ void SendToHost(ScriptRun& run, int32_t number, std::u16string_view text, uint32
     (void)SendCommandText(windows, run.services.ui, run.hostWindow, text, number, code);
 }
 
-LineOutcome SendTextMessage(ScriptRun& run, const StatementCall& call, const TextMessageRow& row) {
-    SendToHost(run, call.value, row.code);
-    return LineOutcome::kNextLine;
-}
-
-LineOutcome SendCommandMessage(ScriptRun& run, const StatementCall& call, const CommandMessageRow& row) {
+LineOutcome SendNumbersToHost(ScriptRun& run, const StatementCall& call, uint32_t message, Delivery delivery) {
     std::u16string value(call.value);
     if (!ExpandVariables(run.variables, value)) return run.FailTooLong(call.line.statement);
     if (value.empty()) return TellSyntaxError(run, call);
@@ -48,10 +43,10 @@ LineOutcome SendCommandMessage(ScriptRun& run, const StatementCall& call, const 
     if (!windows.IsWindowAlive(run.hostWindow)) return LineOutcome::kNextLine;
     if (first == 0) return TellSyntaxError(run, call);
     const auto wide = static_cast<uint64_t>(int64_t{first});
-    if (row.delivery == Delivery::kSent)
-        (void)windows.SendNumbers(run.hostWindow, row.message, wide, second);
+    if (delivery == Delivery::kSent)
+        (void)windows.SendNumbers(run.hostWindow, message, wide, second);
     else
-        (void)windows.PostNumbers(run.hostWindow, row.message, wide, second);
+        (void)windows.PostNumbers(run.hostWindow, message, wide, second);
     return LineOutcome::kNextLine;
 }
 

@@ -1,6 +1,6 @@
 // "include": another script in the middle of this one.
 #include "script/ScriptRun.h"
-#include "script/commands/LocalStatements.h"
+#include "script/commands/Statements.h"
 
 namespace kinsort {
 

@@ -1,9 +1,11 @@
-#include "script/commands/Jumps.h"
+// "folderjump", "filejump", "favoritejump" and "ubjump": where the host is to go.
+#include <array>
 
 #include "framework/Paths.h"
 #include "script/ScriptLine.h"
 #include "script/ScriptRun.h"
 #include "script/commands/HostMessages.h"
+#include "script/commands/Statements.h"
 #include "text/Numbers.h"
 #include "text/Trim.h"
 

@@ -4,8 +4,8 @@
 
 #include "script/ScriptLine.h"
 #include "script/ScriptRun.h"
-#include "script/commands/LocalStatements.h"
-#include "script/functions/LocalFunctions.h"
+#include "script/commands/Statements.h"
+#include "script/functions/Functions.h"
 #include "text/AsciiCase.h"
 #include "text/Numbers.h"
 
@@ -31,28 +31,36 @@ MessageRequest RequestOf(int32_t style) {
     return request;
 }
 
-int32_t ReadStyle(std::u16string_view text) {
-    const bool namesItsBase = AsciiLower(text).find(u'x') != std::u16string::npos;
-    return namesItsBase ? ReadInt32AnyBase(text) : ReadInt32(text);
+struct Box {
+    int32_t style;
+    std::u16string_view text;  // yet to be expanded
+};
+
+// "style,message".
+Box ReadBox(std::u16string_view arguments) {
+    ArgumentReader reader(arguments);
+    const std::u16string_view style = reader.Next();
+    const bool namesItsBase = AsciiLower(style).find(u'x') != std::u16string::npos;
+    return {namesItsBase ? ReadInt32AnyBase(style) : ReadInt32(style), reader.Rest()};
 }
 
 // The button that was pressed; nothing when the text would become too long.
-std::optional<MessageAnswer> Show(ScriptRun& run, int32_t style, std::u16string_view text) {
-    const std::optional<std::u16string> expanded = ExpandLine(text, run.scope, Trimming::kTrim);
+std::optional<MessageAnswer> Show(ScriptRun& run, const Box& box) {
+    const std::optional<std::u16string> expanded = ExpandLine(box.text, run.scope, Trimming::kTrim);
     if (!expanded) return std::nullopt;
-    MessageRequest request = RequestOf(style);
+    MessageRequest request = RequestOf(box.style);
     request.text = *expanded;
     request.title = u"Vel";
     request.owner = run.services.windows.FindTopLevel(kHostWindowClass);
     return run.services.ui.ShowMessage(request);
 }
 
-LineOutcome ShowAndGoOn(ScriptRun& run, const StatementCall& call, int32_t style, std::u16string_view text) {
-    return Show(run, style, text) ? LineOutcome::kNextLine : run.FailTooLong(call.line.statement);
+LineOutcome ShowAndGoOn(ScriptRun& run, const StatementCall& call, const Box& box) {
+    return Show(run, box) ? LineOutcome::kNextLine : run.FailTooLong(call.line.statement);
 }
 
-FunctionResult ShowForAnswer(ScriptRun& run, const FunctionCall& call, int32_t style, std::u16string_view text) {
-    const std::optional<MessageAnswer> answer = Show(run, style, text);
+FunctionResult ShowForAnswer(ScriptRun& run, const FunctionCall& call, const Box& box) {
+    const std::optional<MessageAnswer> answer = Show(run, box);
     if (answer) return FunctionResult::Plain(FormatInteger(static_cast<int64_t>(*answer)));
     run.FailTooLong(call.statement);
     return FunctionResult::Ended();
@@ -61,34 +69,30 @@ FunctionResult ShowForAnswer(ScriptRun& run, const FunctionCall& call, int32_t s
 }  // namespace
 
 LineOutcome RunMessageBox(ScriptRun& run, const StatementCall& call) {
-    if (call.value.find(u',') == std::u16string_view::npos) return LineOutcome::kNextLine;
-    ArgumentReader arguments(call.value);
-    const int32_t style = ReadStyle(arguments.Next());
-    return ShowAndGoOn(run, call, style, arguments.Rest());
+    const bool hasMessage = call.value.find(u',') != std::u16string_view::npos;
+    return hasMessage ? ShowAndGoOn(run, call, ReadBox(call.value)) : LineOutcome::kNextLine;
 }
 
 LineOutcome RunMessageBoxOk(ScriptRun& run, const StatementCall& call) {
-    return ShowAndGoOn(run, call, kWarningWithOk, call.value);
+    return ShowAndGoOn(run, call, {kWarningWithOk, call.value});
 }
 
 LineOutcome RunMessageBoxYesNo(ScriptRun& run, const StatementCall& call) {
-    const std::optional<MessageAnswer> answer = Show(run, kQuestionWithYesNo, call.value);
+    const std::optional<MessageAnswer> answer = Show(run, {kQuestionWithYesNo, call.value});
     if (!answer) return run.FailTooLong(call.line.statement);
     return *answer == MessageAnswer::kNo ? run.Decline() : LineOutcome::kNextLine;
 }
 
 FunctionResult CallMessageBox(ScriptRun& run, const FunctionCall& call) {
-    ArgumentReader arguments(call.arguments);
-    const int32_t style = ReadStyle(arguments.Next());
-    return ShowForAnswer(run, call, style, arguments.Rest());
+    return ShowForAnswer(run, call, ReadBox(call.arguments));
 }
 
 FunctionResult CallMessageBoxOk(ScriptRun& run, const FunctionCall& call) {
-    return ShowForAnswer(run, call, kWarningWithOk, call.arguments);
+    return ShowForAnswer(run, call, {kWarningWithOk, call.arguments});
 }
 
 FunctionResult CallMessageBoxYesNo(ScriptRun& run, const FunctionCall& call) {
-    return ShowForAnswer(run, call, kQuestionWithYesNo, call.arguments);
+    return ShowForAnswer(run, call, {kQuestionWithYesNo, call.arguments});
 }
 
 }  // namespace kinsort

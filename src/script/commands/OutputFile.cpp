@@ -8,7 +8,7 @@
 #include "framework/Paths.h"
 #include "script/ScriptLine.h"
 #include "script/ScriptRun.h"
-#include "script/commands/LocalStatements.h"
+#include "script/commands/Statements.h"
 #include "text/AsciiCase.h"
 
 namespace kinsort {

@@ -4,7 +4,7 @@
 #include "framework/Paths.h"
 #include "script/MatchingEntries.h"
 #include "script/ScriptRun.h"
-#include "script/functions/LocalFunctions.h"
+#include "script/functions/Functions.h"
 
 namespace kinsort {
 namespace {

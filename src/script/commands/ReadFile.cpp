@@ -2,8 +2,8 @@
 // lines, so that each "fileread" of the same path gives the next line.
 #include "framework/TextFile.h"
 #include "script/ScriptRun.h"
-#include "script/commands/LocalStatements.h"
-#include "script/functions/LocalFunctions.h"
+#include "script/commands/Statements.h"
+#include "script/functions/Functions.h"
 #include "text/Numbers.h"
 
 namespace kinsort {

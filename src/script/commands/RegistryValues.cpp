@@ -4,7 +4,7 @@
 #include "script/FunctionTable.h"
 #include "script/NumberText.h"
 #include "script/ScriptRun.h"
-#include "script/commands/LocalStatements.h"
+#include "script/commands/Statements.h"
 #include "text/Numbers.h"
 
 namespace kinsort {

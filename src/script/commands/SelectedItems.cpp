@@ -1,11 +1,11 @@
-#include "script/commands/SelectedItems.h"
-
+// The statements that change the list of selected items.
 #include <algorithm>
 
 #include "platform/LocaleMap.h"
 #include "script/MatchingEntries.h"
 #include "script/ScriptLine.h"
 #include "script/ScriptRun.h"
+#include "script/commands/Statements.h"
 #include "text/Split.h"
 #include "text/Trim.h"
 #include "text/Wildcard.h"

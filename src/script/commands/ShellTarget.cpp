@@ -1,4 +1,6 @@
 // "shell" and "run": a folder for the host, or a program or document to be started.
+#include "script/commands/ShellTarget.h"
+
 #include "framework/LaunchBatch.h"
 #include "framework/Paths.h"
 #include "script/ItemTokens.h"
@@ -6,7 +8,7 @@
 #include "script/ScriptRun.h"
 #include "script/commands/DropHandOver.h"
 #include "script/commands/HostMessages.h"
-#include "script/commands/Programs.h"
+#include "script/commands/Statements.h"
 
 namespace kinsort {
 

@@ -1,7 +1,7 @@
 // How a voice that other commands have should speak. This program has none: the keywords are only checked.
 #include "script/ScriptLine.h"
 #include "script/ScriptRun.h"
-#include "script/commands/LocalStatements.h"
+#include "script/commands/Statements.h"
 
 namespace kinsort {
 

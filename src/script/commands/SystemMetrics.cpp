@@ -3,7 +3,7 @@
 #include <array>
 
 #include "script/ScriptRun.h"
-#include "script/functions/LocalFunctions.h"
+#include "script/functions/Functions.h"
 #include "text/Numbers.h"
 
 namespace kinsort {

@@ -1,7 +1,7 @@
 // Sums.
 #include "script/ArithmeticEvaluator.h"
 #include "script/ScriptRun.h"
-#include "script/functions/ValueFunctions.h"
+#include "script/functions/Functions.h"
 
 namespace kinsort {
 

@@ -1,6 +1,6 @@
 // Parts of a path. Nothing here asks whether it exists.
 #include "framework/Paths.h"
-#include "script/functions/ValueFunctions.h"
+#include "script/functions/Functions.h"
 
 namespace kinsort {
 

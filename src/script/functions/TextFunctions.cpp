@@ -3,7 +3,7 @@
 #include <vector>
 
 #include "script/ScriptRun.h"
-#include "script/functions/ValueFunctions.h"
+#include "script/functions/Functions.h"
 #include "text/Numbers.h"
 #include "text/Split.h"
 #include "text/Trim.h"
