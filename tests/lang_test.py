@@ -36,9 +36,10 @@ def numbers_of_the_program():
     text = (SOURCE / "src/framework/MessageNumbers.h").read_text()
     rows = {name: int(value) for name, value in re.findall(r"(kMsg\w+) = (\d+)", text)}
     numbers = [value for name, value in rows.items() if not name.endswith("First")]
-    numbers += range(rows["kMsgStatusFirst"], rows["kMsgStatusFirst"] + enumerators("src/platform/Status.h", "StatusCode"))
-    numbers += range(rows["kMsgReasonFirst"],
-                     rows["kMsgReasonFirst"] + enumerators("src/fileop/FileOperation.h", "ItemReason"))
+    for first, header, name in (("kMsgStatusFirst", "src/platform/Status.h", "StatusCode"),
+                                ("kMsgReasonFirst", "src/fileop/FileOperation.h", "ItemReason"),
+                                ("kMsgWarningFirst", "src/fileop/FileOperation.h", "BatchWarning")):
+        numbers += range(rows[first], rows[first] + enumerators(header, name))
     return numbers
 
 

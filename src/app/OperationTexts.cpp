@@ -196,8 +196,8 @@ std::vector<std::u16string> OperationTexts::Notes(const BatchResult& result) {
         if (!result.status.path().empty()) reason = Shown(result.status.path()) + u": " + reason;
         notes.push_back(messages_.GetMessageText(result.done == 0 ? kMsgBatchNotStarted : kMsgBatchStopped, {reason}));
     }
-    for (const std::string& warning : result.warnings)
-        notes.push_back(FromUtf8(warning));
+    for (const BatchWarning warning : result.warnings)
+        notes.push_back(Text(static_cast<uint16_t>(kMsgWarningFirst + static_cast<uint16_t>(warning))));
     return notes;
 }
 

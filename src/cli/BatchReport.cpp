@@ -92,8 +92,8 @@ void PrintReport(CliContext& context, const BatchReport& report) {
         if (item.outcome == ItemOutcome::kNotReached && result.cancelled) continue;  // counted below
         context.console.Say(FailureLine(context, report, item));
     }
-    for (const std::string& warning : result.warnings)
-        context.console.Say("note: " + ShownLines(warning));
+    for (const BatchWarning warning : result.warnings)
+        context.console.Say("note: " + std::string(WarningText(warning)));
     if (!result.status.ok()) context.console.Say(WholeFailureText(context, report));
     if (result.cancelled) context.console.Say("stopped; every item is either wholly done or untouched");
     std::string summary = DoneText(report.action, result.done);
@@ -145,8 +145,8 @@ void WriteReport(JsonWriter& json, const CliContext& context, const BatchReport&
     }
     json.Key("warnings");
     json.BeginArray();
-    for (const std::string& warning : result.warnings)
-        json.String(warning);
+    for (const BatchWarning warning : result.warnings)
+        json.String(WarningText(warning));
     json.EndArray();
     json.Key("items");
     WriteItems(json, context, report);

@@ -65,7 +65,7 @@ BatchReport Example() {
          .outcome = ItemOutcome::kSkipped,
          .reason = ItemReason::kConflictSkipped,
          .status = {}}};
-    report.result.warnings = {"the volume cannot hold user attributes"};
+    report.result.warnings = {BatchWarning::kAttributesLost};
     report.withoutCandidate = {u"Z:\\s\\\uF01B[zzz"};
     return report;
 }
@@ -80,7 +80,7 @@ TEST(BatchReport, TellsPeople) {
               "and enters (/d/x\\xff)\n"
               "kinsort: /s/b\\xff: skipped: the name is taken in the target folder; choose --on-conflict=replace or "
               "keep-both\n"
-              "kinsort: note: the volume cannot hold user attributes\n");
+              "kinsort: note: Some user attributes could not be kept: the target volume does not hold them.\n");
     EXPECT_EQ(fixture.terminal.output,
               "Moved 2 items, 1 skipped, 1 failed.\n"
               "1 item without a similar folder, left in place:\n"
@@ -106,7 +106,7 @@ TEST(BatchReport, TellsPrograms) {
     EXPECT_EQ(parsed["no_candidate"], 1);
     EXPECT_EQ(parsed["cancelled"], false);
     EXPECT_TRUE(parsed["error"].is_null());
-    EXPECT_EQ(parsed["warnings"].size(), 1U);
+    EXPECT_EQ(parsed["warnings"][0], "Some user attributes could not be kept: the target volume does not hold them.");
     ASSERT_EQ(parsed["items"].size(), 4U);
     const json& skipped = parsed["items"][1];
     EXPECT_EQ(skipped["item_uri"], "file:///s/b%FF");

@@ -136,6 +136,14 @@ std::string ReasonText(const ItemReport& report) {
     return std::string(kReasonRows[static_cast<size_t>(report.reason)].text);
 }
 
+std::string_view WarningText(BatchWarning warning) {
+    switch (warning) {
+        case BatchWarning::kAttributesLost:
+            return "Some user attributes could not be kept: the target volume does not hold them.";
+    }
+    return "";
+}
+
 std::string_view StatusKeyword(StatusCode code) {
     return kStatusRows[static_cast<size_t>(code)].keyword;
 }

@@ -19,6 +19,8 @@ std::string StatusText(const Status& status);
 std::string BatchStatusText(const Status& status);
 // Why an item was not done, as StatusText.
 std::string ReasonText(const ItemReport& report);
+// What a batch could not keep.
+std::string_view WarningText(BatchWarning warning);
 
 // Stable keywords for programs: "no-space", "source-gone", "done", "unfinished", "move".
 std::string_view StatusKeyword(StatusCode code);

@@ -91,8 +91,7 @@ BatchResult FileOperation::PerformOperations(AskUserAction* asker, ProgressSink*
     }
     result.cancelled = batch.isCancelled;
     result.journalSyncs = journal.syncs();
-    if (session.lostAttributes())
-        result.warnings.emplace_back("Some user attributes could not be kept: the target volume does not hold them.");
+    if (session.lostAttributes()) result.warnings.push_back(BatchWarning::kAttributesLost);
     SummarizeItems(batch, services_.codec, &planner, result);
     if (batch.steps.empty() || (batch.isEnded && !batch.header.keepForUndo)) {
         RemoveKeptFiles(services_.sys, batch);

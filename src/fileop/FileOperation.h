@@ -81,6 +81,11 @@ struct ItemReport {
     Status status;
 };
 
+// What a batch could not keep although it was done.
+enum class BatchWarning : uint8_t {
+    kAttributesLost,  // user attributes: a target volume does not hold them
+};
+
 struct BatchResult {
     BatchId id = 0;     // 0 when nothing was begun
     uint64_t done = 0;  // items, as queued
@@ -89,9 +94,9 @@ struct BatchResult {
     uint64_t notReached = 0;  // after a cancel or when the journal failed
     bool cancelled = false;
     Status status;                    // why the batch as a whole could not run or had to stop (the journal, above all)
-    std::vector<ItemReport> reports;  // every item that is not plainly done, in order, and warnings
-    std::vector<std::string> warnings;  // said once each: attributes a volume cannot hold, for example
-    uint64_t journalSyncs = 0;          // how often the journal was made durable
+    std::vector<ItemReport> reports;  // every item that is not plainly done, in order
+    std::vector<BatchWarning> warnings;  // once each
+    uint64_t journalSyncs = 0;           // how often the journal was made durable
 };
 
 // One queued item: paths in the inner form, the destination an existing folder.

@@ -93,6 +93,8 @@ enum MessageNumber : uint16_t {
     kMsgStatusFirst = 64100,
     // Why an item was not done: this plus the value of its ItemReason.
     kMsgReasonFirst = 64150,
+    // What a batch could not keep: this plus the value of its BatchWarning.
+    kMsgWarningFirst = 64170,
 };
 
 }  // namespace kinsort
