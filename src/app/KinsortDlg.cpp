@@ -23,12 +23,6 @@ constexpr std::u16string_view kFavoritesFolder = u"Bar\\Favorite";
 constexpr std::u16string_view kManualFolder = u"docs\\vel\\man5\\";
 constexpr std::u16string_view kHelpPage = u"6.Command\\2.DefaultCommand\\Kinsort.html";
 
-// "C:..." or "\\...": what can be a folder of a drive or of a network.
-bool HasFullForm(std::u16string_view folder) {
-    if (folder.size() < 2) return false;
-    return (IsDriveLetter(folder[0]) && folder[1] == u':') || folder.starts_with(u"\\\\");
-}
-
 // The text of a block up to its first NUL or its end.
 std::u16string TextOf(std::span<const std::byte> data) {
     std::u16string text;

@@ -22,11 +22,9 @@ bool IsSearchKey(uint32_t virtualKey) {
 int FetchIcon(Icons& icons, FileSystem& files, const std::u16string& path) {
     int icon = kNoIcon;
     if (path.starts_with(u'\\')) {
-        const uint32_t found = GetPathAttributes(files, path);
         const std::u16string name = GetFileNamePart(path);
         if (name.empty()) return kNoIcon;
-        const bool isFolder = found != kInvalidAttributes && (found & kAttributeDirectory) != 0;
-        icon = icons.IndexOfName(name, isFolder ? kAttributeDirectory : kAttributeNormal);
+        icon = icons.IndexOfName(name, FolderExists(files, path) ? kAttributeDirectory : kAttributeNormal);
     } else {
         icon = icons.IndexOfPath(path);
     }

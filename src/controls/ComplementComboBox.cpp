@@ -8,11 +8,6 @@ namespace kinsort {
 namespace {
 
 constexpr std::u16string_view kHome = u"~";
-constexpr std::u16string_view kShareRoot = u"\\\\";
-
-bool IsFull(std::u16string_view text) {
-    return BeginsWithDrive(text) || text.starts_with(kShareRoot);
-}
 
 struct ListingRequest {
     std::u16string folder;   // up to and including its separator; empty for the current folder
@@ -154,11 +149,7 @@ void CComplementComboBox::OnKillFocus() {
 
 void CComplementComboBox::OnDropFiles(std::u16string_view path) {
     std::u16string dropped = RemoveLongPathPrefix(path);
-    if (m_bFoldersOnly) {
-        const uint32_t found = GetPathAttributes(files_, dropped);
-        const bool isFolder = found != kInvalidAttributes && (found & kAttributeDirectory) != 0;
-        if (!isFolder) dropped = GetDirectoryPart(dropped);
-    }
+    if (m_bFoldersOnly && !FolderExists(files_, dropped)) dropped = GetDirectoryPart(dropped);
     PutText(dropped);
     m_strDropDir = std::move(dropped);
 }
@@ -169,7 +160,8 @@ void CComplementComboBox::CompleteOrStep() {
         return;
     }
     const std::u16string text = GetText();
-    if (!m_strBaseDir.empty() && !IsFull(text)) PutText(GetFullPath(files_, AddTrailingSeparator(m_strBaseDir) + text));
+    if (!m_strBaseDir.empty() && !HasFullForm(text))
+        PutText(GetFullPath(files_, AddTrailingSeparator(m_strBaseDir) + text));
     Complete();
 }
 
@@ -201,16 +193,16 @@ void CComplementComboBox::Complete() {
 // What a text becomes that is the beginning of a root; empty for any other.
 std::u16string CComplementComboBox::CompletedRoot() const {
     const std::u16string text = GetText();
-    const bool isHome = view_.Text() == kHome && IsFull(text);
+    const bool isHome = view_.Text() == kHome && HasFullForm(text);
     if (isHome || (text.size() == 2 && BeginsWithDrive(text))) return AddTrailingSeparator(text);
-    if (text == u"\\") return std::u16string(kShareRoot);
+    if (text == u"\\") return u"\\\\";
     if (text.size() == 1 && IsDriveLetter(text[0])) return text + u":\\";
     return {};
 }
 
 void CComplementComboBox::StartListing(const std::u16string& text) {
     std::u16string full = text;
-    if (!m_strDropDir.empty() && !IsFull(text)) {
+    if (!m_strDropDir.empty() && !HasFullForm(text)) {
         full = AddTrailingSeparator(m_strDropDir) + (text.starts_with(u'\\') ? text.substr(1) : text);
     }
     const uint64_t number = *listingNumber_;

@@ -97,4 +97,8 @@ bool BeginsWithDrive(std::u16string_view text) {
     return text.size() >= 2 && IsDriveLetter(text[0]) && text[1] == u':';
 }
 
+bool HasFullForm(std::u16string_view text) {
+    return BeginsWithDrive(text) || text.starts_with(u"\\\\");
+}
+
 }  // namespace kinsort

@@ -15,6 +15,8 @@ namespace kinsort {
 
 // "C:", "c:\\x": begins with a letter and ":".
 bool BeginsWithDrive(std::u16string_view text);
+// That, or begins with "\\": what can be a path of a drive or of a network.
+bool HasFullForm(std::u16string_view text);
 
 class FolderText {
   public:

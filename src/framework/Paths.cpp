@@ -85,6 +85,11 @@ bool FileExists(FileSystem& files, std::u16string_view path) {
     return GetPathAttributes(files, path) != kInvalidAttributes;
 }
 
+bool FolderExists(FileSystem& files, std::u16string_view path) {
+    const uint32_t attributes = GetPathAttributes(files, path);
+    return attributes != kInvalidAttributes && (attributes & kAttributeDirectory) != 0;
+}
+
 uint32_t GetPathAttributes(FileSystem& files, std::u16string_view path) {
     // The empty path names nothing, though resolving it gives the current folder.
     return path.empty() ? kInvalidAttributes : files.GetAttributes(ToLongPathForm(path));

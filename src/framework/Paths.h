@@ -60,6 +60,8 @@ void SortNoCase(std::vector<std::u16string>& texts);
 
 // True when the path names an existing file or folder.
 bool FileExists(FileSystem& files, std::u16string_view path);
+// True when it names an existing folder, or a link to one.
+bool FolderExists(FileSystem& files, std::u16string_view path);
 
 // kAttribute... bits, or kInvalidAttributes when the path does not exist.
 uint32_t GetPathAttributes(FileSystem& files, std::u16string_view path);
