@@ -8,6 +8,7 @@
 #include "framework/FileDropList.h"
 #include "framework/MessageNumbers.h"
 #include "framework/Paths.h"
+#include "text/Numbers.h"
 #include "text/Trim.h"
 
 namespace kinsort {
@@ -154,9 +155,8 @@ void CKinsortDlg::TakeDroppedFolder(const std::vector<std::u16string>& paths) {
     std::vector<std::u16string>& folders = m_services.handOff.OtherTabFolders;
     std::copy_if(paths.begin(), paths.end(), std::back_inserter(folders),
                  [](const std::u16string& path) { return !path.empty(); });
-    if (!folders.empty()) m_strFolder = folders.front();
     m_nLoadState = 2;
-    SetFolder(m_strFolder);
+    SetFolder(folders.empty() ? m_strFolder : folders.front());
     EnableAndSearch();
 }
 
@@ -205,7 +205,7 @@ void CKinsortDlg::OnFavoriteFolder() {
     }
     CDirMenu menu(m_services.files, folder);
     const std::u16string script = menu.ShowPopup(m_view.FavoritesMenu());
-    if (script.empty() || !m_services.runScript) return;
+    if (script.empty()) return;
     std::vector<std::u16string> noItems;
     m_services.runScript({.scriptPath = script,
                           .currentFolder = {},
@@ -281,8 +281,7 @@ void CKinsortDlg::CarryOutPlan() {
 bool CKinsortDlg::ReadControls() {
     m_strFolder = m_cbFolder.GetText();
     if (m_strFolder.size() > kMaxFolderLength) {
-        const std::string most = std::to_string(kMaxFolderLength);
-        ShowMessage(m_services.messages.GetMessageText(kMsgFolderTooLong, {std::u16string(most.begin(), most.end())}));
+        ShowMessage(m_services.messages.GetMessageText(kMsgFolderTooLong, {FormatInteger(kMaxFolderLength)}));
         m_view.FocusControl(kIdFolder);
         return false;
     }

@@ -40,7 +40,7 @@ struct KinsortDlgServices {
     ProcessContext& processes;
     HostHandOff& handOff;
     OperationRunner& operation;
-    std::function<void(const ScriptCall&)> runScript;  // may be empty: then favourites do nothing
+    std::function<void(const ScriptCall&)> runScript;
 };
 
 // What the folder field takes, in code units of the inner form.
@@ -58,7 +58,7 @@ class CKinsortDlg final : public KinsortDlgEvents, private PlanView {
     // carried out and the folder history is saved.
     int DoModal();
 
-    // --- the fields; all but the first four are the dialog's own business --------------------------------------------
+    // --- the fields; all but the first three are the dialog's own business -------------------------------------------
 
     std::u16string m_strFolder;     // the search folder, inner form
     int m_nMode = 0;                // 0 copy, 1 move
@@ -101,7 +101,6 @@ class CKinsortDlg final : public KinsortDlgEvents, private PlanView {
 
     void CenterOverHost();
     void PrepareControls();
-    void ReadConfirmation();
     void ApplyShowMode();
     void BringToFront();
     void BringToForeground();

@@ -74,10 +74,9 @@ void CKinsortDlg::CenterOverHost() {
 
 void CKinsortDlg::PrepareControls() {
     m_view.PrepareList();
+    // In every language, as the host's commands head their lists.
     m_view.InsertListColumn(0, u"File", 200);
     m_view.InsertListColumn(1, u"Target sub folder", 180);
-    m_cbFolder.m_bFoldersOnly = true;
-    m_cbFolder.m_bTabComplete = false;
     m_view.AcceptDroppedFiles(kIdFolder);
     m_cbFolder.SetHistory(u"Kinsort", kHistoryEntries);
     m_cbFolder.PostLoadHistory();

@@ -365,9 +365,6 @@ TEST_F(KinsortDlgTest, RunsFavorites) {
     EXPECT_EQ(scripts[0].path, u"Z:\\user\\Bar\\Favorite\\Photos.txt");
     EXPECT_EQ(scripts[0].window, RecordingDlgView::kHandle);
     EXPECT_EQ(scripts[0].openMode, 2u);
-    KinsortDlgServices withoutScripts = services;
-    withoutScripts.runScript = nullptr;
-    CKinsortDlg(view, withoutScripts, kNobody).OnCommand(kIdFavorites);
 }
 
 TEST_F(KinsortDlgTest, OpensTheHelpPageAndSaysWhenItIsMissing) {
