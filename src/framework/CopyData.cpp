@@ -1,16 +1,13 @@
 #include "framework/CopyData.h"
 
 #include "text/Numbers.h"
+#include "text/Utf16Bytes.h"
 
 namespace kinsort {
 
 std::vector<std::byte> CopyDataBytes(std::u16string_view text) {
     std::vector<std::byte> bytes;
-    bytes.reserve(2 * text.size() + 2);
-    for (const char16_t unit : text) {
-        bytes.push_back(static_cast<std::byte>(unit & 0xFF));
-        bytes.push_back(static_cast<std::byte>(unit >> 8));
-    }
+    AppendUtf16Bytes(bytes, text);
     bytes.resize(bytes.size() + 2);
     return bytes;
 }

@@ -2,17 +2,14 @@
 
 #include <cstdint>
 
+#include "text/Utf16Bytes.h"
+
 namespace kinsort {
 
 namespace {
 
 constexpr uint32_t kHeaderSize = 20;
 constexpr size_t kWideOffset = 16;
-
-void AppendUnit(std::vector<std::byte>& out, char16_t unit) {
-    out.push_back(static_cast<std::byte>(unit & 0xFF));
-    out.push_back(static_cast<std::byte>(unit >> 8));
-}
 
 void PutNumber(std::vector<std::byte>& out, size_t offset, uint32_t value) {
     for (size_t i = 0; i < 4; ++i)
@@ -33,11 +30,10 @@ std::vector<std::byte> BuildFileDropList(const std::vector<std::u16string>& path
     PutNumber(out, 0, kHeaderSize);
     PutNumber(out, kWideOffset, 1);
     for (const std::u16string& path : paths) {
-        for (const char16_t unit : path.substr(0, path.find(u'\0')))
-            AppendUnit(out, unit);
-        AppendUnit(out, 0);
+        AppendUtf16Bytes(out, std::u16string_view(path).substr(0, path.find(u'\0')));
+        out.resize(out.size() + 2);
     }
-    AppendUnit(out, 0);
+    out.resize(out.size() + 2);
     return out;
 }
 
@@ -48,9 +44,7 @@ std::optional<std::vector<std::u16string>> ParseFileDropList(std::span<const std
     std::vector<std::u16string> paths;
     std::u16string path;
     for (std::span<const std::byte> rest = block.subspan(offset); rest.size() >= 2; rest = rest.subspan(2)) {
-        const auto unit =
-            static_cast<char16_t>(std::to_integer<unsigned>(rest[0]) | (std::to_integer<unsigned>(rest[1]) << 8));
-        if (unit != 0) {
+        if (const char16_t unit = Utf16UnitAt(rest, 0); unit != 0) {
             path += unit;
         } else if (path.empty()) {
             return paths;

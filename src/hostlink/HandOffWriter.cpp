@@ -4,6 +4,7 @@
 
 #include "hostlink/LaunchDescriptor.h"
 #include "text/Numbers.h"
+#include "text/Utf16Bytes.h"
 
 namespace kinsort {
 namespace {
@@ -44,10 +45,7 @@ class BlockText {
     explicit BlockText(CShareMem& shared) : shared_(shared) {}
 
     Status Append(std::u16string_view text) {
-        for (const char16_t unit : text) {
-            bytes_.push_back(static_cast<std::byte>(unit & 0xFF));
-            bytes_.push_back(static_cast<std::byte>(unit >> 8));
-        }
+        AppendUtf16Bytes(bytes_, text);
         return bytes_.size() < kPiece ? Status() : Flush();
     }
 

