@@ -5,20 +5,13 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "platform/fake/FakeEnvironment.h"
-#include "platform/fake/FakeUserAccount.h"
-#include "platform/fake/MemoryFileSystem.h"
-#include "platform/fake/MemoryRegistry.h"
-#include "platform/linux/LinuxPathCodec.h"
+#include "framework/FolderWorld_test.h"
+#include "text/Utf16Bytes_test.h"
 
 namespace kinsort {
 namespace {
 
 using testing::ElementsAre;
-
-std::string Bytes(std::u16string_view text) {
-    return std::string(reinterpret_cast<const char*>(text.data()), text.size() * 2);
-}
 
 struct SampleDialog final : DialogTextTarget {
     std::u16string title = u"題名";
@@ -62,35 +55,29 @@ constexpr std::u16string_view kExported =
     u"30\tComboBox\ta\\nb\r\n"
     u"30\tComboBox\tthird\r\n";
 
-class DialogTextsTest : public testing::Test {
+class DialogTextsTest : public testing::Test, protected FolderWorld {
   protected:
+    DialogTextsTest() : FolderWorld(u"Z:\\V\\command\\Default\\Kinsort.exe") {}
+
     int Apply(std::u16string_view text) {
-        files_.SetContent(kFile, Bytes(text));
+        files.SetContent(kFile, Utf16Bytes(text));
         return ApplyDialogTranslation(context_, dialog_, 102, u".en-US");
     }
     // A new start of the program, with these settings.
     void Start(std::u16string_view suffix, uint32_t exports) {
-        Settings settings(registry_, u"Kinsort");
-        ASSERT_EQ(settings.WriteRegString(kSettingsKey, kLanguageName, suffix), 1);
-        ASSERT_EQ(settings.WriteRegDword(kSettingsKey, kTextExportName, exports), 1);
-        TranslateDialog({settings, folders_, files_}, dialog_, 102);
+        Settings fresh(registry, u"Kinsort");
+        ASSERT_EQ(fresh.WriteRegString(kSettingsKey, kLanguageName, suffix), 1);
+        ASSERT_EQ(fresh.WriteRegDword(kSettingsKey, kTextExportName, exports), 1);
+        TranslateDialog({fresh, folders, files}, dialog_, 102);
     }
 
-    MemoryFileSystem files_;
-    MemoryRegistry registry_;
-    Settings settings_{registry_, u"Kinsort"};
-    FakeUserAccount account_;
-    FakeEnvironment environment_;
-    std::unique_ptr<PathCodec> codec_ = MakeLinuxPathCodec("");
-    VelFolders folders_{VelFolderSources{settings_, files_, account_, environment_, *codec_},
-                        u"Z:\\V\\command\\Default\\Kinsort.exe"};
-    DialogTextContext context_{settings_, folders_, files_};
+    DialogTextContext context_{settings, folders, files};
     SampleDialog dialog_;
 };
 
 TEST_F(DialogTextsTest, AreWrittenAndReadBack) {
     ExportDialogTexts(context_, dialog_, 102, u".en-US");
-    EXPECT_EQ(files_.ContentOf(kFile), Bytes(kExported));
+    EXPECT_EQ(files.ContentOf(kFile), Utf16Bytes(kExported));
 
     const SampleDialog before = dialog_;
     dialog_.title.clear();
@@ -132,34 +119,34 @@ TEST_F(DialogTextsTest, OfAFileAreAppliedLineByLine) {
 
 TEST_F(DialogTextsTest, FollowTheLanguageAndTheExportSwitch) {
     Start(u".ja-JP", 0);
-    EXPECT_EQ(files_.GetAttributes(u"Z:\\V"), kInvalidAttributes) << "nothing was to be done";
+    EXPECT_EQ(files.GetAttributes(u"Z:\\V"), kInvalidAttributes) << "nothing was to be done";
     Start(u".ja-JP", 1);
-    EXPECT_EQ(files_.ContentOf(u"Z:\\V\\command\\Default\\.ja-JP\\Kinsort\\102.txt"), Bytes(kExported));
+    EXPECT_EQ(files.ContentOf(u"Z:\\V\\command\\Default\\.ja-JP\\Kinsort\\102.txt"), Utf16Bytes(kExported));
     Start(u".en-US", 0);
-    EXPECT_EQ(files_.ContentOf(kFile), Bytes(kExported)) << "without a translation one is begun";
+    EXPECT_EQ(files.ContentOf(kFile), Utf16Bytes(kExported)) << "without a translation one is begun";
 
-    files_.SetContent(kFile, Bytes(u"Title\r\n"));
+    files.SetContent(kFile, Utf16Bytes(u"Title\r\n"));
     Start(u".en-US", 1);
     EXPECT_EQ(dialog_.title, u"Title");
-    EXPECT_EQ(files_.ContentOf(kFile), Bytes(u"Title\r\n")) << "a translation is never overwritten";
+    EXPECT_EQ(files.ContentOf(kFile), Utf16Bytes(u"Title\r\n")) << "a translation is never overwritten";
 
-    files_.SetContent(kFile, "");
+    files.SetContent(kFile, "");
     Start(u".en-US", 1);
     EXPECT_EQ(dialog_.title, u"Title");
-    EXPECT_EQ(files_.ContentOf(kFile), "") << "an empty file is a translation";
+    EXPECT_EQ(files.ContentOf(kFile), "") << "an empty file is a translation";
 }
 
 TEST_F(DialogTextsTest, StayWhenTheFileCannotBeWritten) {
-    files_.AddFolder(u"Z:\\V\\command\\Default");
-    files_.DenyFolder(u"Z:\\V\\command\\Default");
+    files.AddFolder(u"Z:\\V\\command\\Default");
+    files.DenyFolder(u"Z:\\V\\command\\Default");
     ExportDialogTexts(context_, dialog_, 102, u".en-US");
-    EXPECT_EQ(files_.GetAttributes(kFile), kInvalidAttributes);
+    EXPECT_EQ(files.GetAttributes(kFile), kInvalidAttributes);
 
     const std::u16string_view full = u"Z:\\V\\command\\Default\\.ja-JP\\Kinsort\\102.txt";
-    files_.SetContent(full, "old");
-    files_.FillUp(full);
+    files.SetContent(full, "old");
+    files.FillUp(full);
     ExportDialogTexts(context_, dialog_, 102, u".ja-JP");
-    EXPECT_EQ(files_.ContentOf(full), "");
+    EXPECT_EQ(files.ContentOf(full), "");
 }
 
 }  // namespace

@@ -10,20 +10,20 @@
 #include "text/Numbers.h"
 #include "text/Split.h"
 #include "text/Trim.h"
+#include "text/Utf16Bytes.h"
 
 namespace kinsort {
 namespace {
 
-constexpr size_t kMaxPieceLength = 32766;  // units of a line, its end included, that are read at a time
+constexpr size_t kMaxFileBytes = size_t{4} << 20;  // of a file; the rest is not read
+constexpr size_t kMaxPieceLength = 32766;          // units of a line, its end included, that are read at a time
 
 // The next line, or piece of one, up to its first NUL.
 std::u16string NextPiece(std::string_view bytes, size_t& offset) {
     std::u16string piece;
     bool isEnded = false;
     for (size_t count = 0; count < kMaxPieceLength && offset + 1 < bytes.size(); ++count) {
-        const auto low = static_cast<unsigned char>(bytes[offset]);
-        const auto high = static_cast<unsigned char>(bytes[offset + 1]);
-        const auto unit = static_cast<char16_t>(low | high << 8);
+        const char16_t unit = Utf16UnitAt(std::as_bytes(std::span(bytes)), offset);
         offset += 2;
         isEnded |= unit == u'\0';
         if (!isEnded) piece += unit;
@@ -42,12 +42,13 @@ Result<std::string> ReadBytes(FileSystem& files, std::u16string_view path) {
     if (!file.ok()) return file.status();
     std::string bytes;
     std::array<std::byte, 65536> buffer;
-    for (;;) {
+    while (bytes.size() < kMaxFileBytes) {
         const Result<size_t> got = (*file)->Read(buffer);
         if (!got.ok()) return got.status();
-        if (*got == 0) return bytes;
+        if (*got == 0) break;
         bytes.append(reinterpret_cast<const char*>(buffer.data()), *got);
     }
+    return bytes;
 }
 
 }  // namespace

@@ -37,8 +37,8 @@ class Messages {
 
     // "Lang\Msg<suffix>.txt" in the host's folder, absolute; worked out once.
     const std::u16string& GetMessageFilePath();
-    // Reads the file anew. 1 when it held at least one text; 0 when not, and when it cannot be opened, which the user
-    // is told in a box.
+    // Reads the file anew, 4 MiB of it at the most. 1 when it held at least one text; 0 when not, and when it cannot be
+    // opened, which the user is told in a box.
     int LoadMessageFile();
     // The text, kNoMessageText when there is none. As long as nothing is loaded, each call tries to load. Not so for
     // our own texts, which are asked for many times a second, and stand on buttons that decide about files: those try

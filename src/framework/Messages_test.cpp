@@ -2,12 +2,9 @@
 
 #include <gmock/gmock.h>
 
-#include "platform/fake/FakeEnvironment.h"
-#include "platform/fake/FakeUserAccount.h"
-#include "platform/fake/MemoryFileSystem.h"
-#include "platform/fake/MemoryRegistry.h"
+#include "framework/FolderWorld_test.h"
 #include "platform/fake/ScriptedUserInterface.h"
-#include "platform/linux/LinuxPathCodec.h"
+#include "text/Utf16Bytes_test.h"
 
 namespace kinsort {
 namespace {
@@ -16,13 +13,6 @@ using testing::IsEmpty;
 using testing::Pair;
 using testing::SizeIs;
 using testing::UnorderedElementsAre;
-
-std::string Bytes(std::u16string_view text) {
-    std::string bytes;
-    for (const char16_t unit : text)
-        bytes += {static_cast<char>(unit & 0xFF), static_cast<char>(unit >> 8)};
-    return bytes;
-}
 
 TEST(MessageFile, ReadsEntriesAndSkipsTheRest) {
     const struct {
@@ -53,52 +43,38 @@ TEST(MessageFile, ReadsEntriesAndSkipsTheRest) {
     };
     for (const auto& one : cases) {
         SCOPED_TRACE(one.what);
-        EXPECT_EQ(ParseMessageFile(Bytes(one.text)), MessageTable(one.entries.begin(), one.entries.end()));
+        EXPECT_EQ(ParseMessageFile(Utf16Bytes(one.text)), MessageTable(one.entries.begin(), one.entries.end()));
     }
     EXPECT_THAT(ParseMessageFile(""), IsEmpty());
-    EXPECT_THAT(ParseMessageFile(Bytes(u"1\tA\r\n") + "2"), UnorderedElementsAre(Pair(1, u"A")));
+    EXPECT_THAT(ParseMessageFile(Utf16Bytes(u"1\tA\r\n") + "2"), UnorderedElementsAre(Pair(1, u"A")));
 }
 
-class MessagesTest : public testing::Test {
+class MessagesTest : public testing::Test, protected FolderWorld {
   protected:
-    void WriteMessages(std::u16string_view text) {
-        const std::string bytes = Bytes(text);
-        const auto file = files_.OpenOutput(u"C:\\Vel\\Lang\\Msg.en-US.txt", OutputStart::kEmpty);
-        ASSERT_TRUE(file.ok());
-        ASSERT_TRUE((*file)->Write(std::as_bytes(std::span(bytes))).ok());
-        ASSERT_TRUE((*file)->Close().ok());
-    }
+    void WriteMessages(std::u16string_view text) { files.SetContent(kEnglish, Utf16Bytes(text)); }
 
-    MemoryRegistry registry_;
-    Settings settings_{registry_, u"Kinsort"};
-    MemoryFileSystem files_;
-    FakeUserAccount account_;
-    FakeEnvironment environment_;
-    const std::unique_ptr<PathCodec> codec_ = MakeLinuxPathCodec("/nowhere/drives");
-    VelFolders folders_{{settings_, files_, account_, environment_, *codec_}, u"C:\\Vel\\command\\Default\\Kinsort"};
+    static constexpr std::u16string_view kEnglish = u"C:\\V\\Lang\\Msg.en-US.txt";
     ScriptedUserInterface ui_;
-    Messages messages_{settings_, folders_, files_, ui_};
+    Messages messages_{settings, folders, files, ui_};
 };
 
 TEST_F(MessagesTest, PathFollowsTheLanguageOnce) {
-    EXPECT_EQ(messages_.GetMessageFilePath(), u"C:\\Vel\\Lang\\Msg.ja-JP.txt");
-    settings_.WriteRegString(kSettingsKey, kLanguageName, u".en-US");
-    EXPECT_EQ(messages_.GetMessageFilePath(), u"C:\\Vel\\Lang\\Msg.ja-JP.txt");
-    Settings later(registry_, u"Kinsort");
-    EXPECT_EQ(Messages(later, folders_, files_, ui_).GetMessageFilePath(), u"C:\\Vel\\Lang\\Msg.en-US.txt");
+    EXPECT_EQ(messages_.GetMessageFilePath(), u"C:\\V\\Lang\\Msg.ja-JP.txt");
+    settings.WriteRegString(kSettingsKey, kLanguageName, u".en-US");
+    EXPECT_EQ(messages_.GetMessageFilePath(), u"C:\\V\\Lang\\Msg.ja-JP.txt");
+    Settings later(registry, u"Kinsort");
+    EXPECT_EQ(Messages(later, folders, files, ui_).GetMessageFilePath(), u"C:\\V\\Lang\\Msg.en-US.txt");
 }
 
 // A file that is missing is tried again, and complained of, at every text; an empty one silently.
 TEST_F(MessagesTest, LoadsWithTheFirstText) {
-    settings_.WriteRegString(kSettingsKey, kLanguageName, u".en-US");
+    settings.WriteRegString(kSettingsKey, kLanguageName, u".en-US");
     EXPECT_EQ(messages_.GetMessageText(1), kNoMessageText);
     EXPECT_EQ(messages_.GetMessageText(1), kNoMessageText);
     ASSERT_THAT(ui_.messages, SizeIs(2));
-    EXPECT_EQ(ui_.messages[1].text,
-              u"Cannot open message file.\n" + folders_.PathForPeople(u"C:\\Vel\\Lang\\Msg.en-US.txt"));
+    EXPECT_EQ(ui_.messages[1].text, u"Cannot open message file.\n" + folders.PathForPeople(kEnglish));
     EXPECT_EQ(ui_.messages[1].buttons, MessageButtons::kOk);
 
-    files_.AddFolder(u"C:\\Vel\\Lang");
     WriteMessages(u"// nothing yet\r\n");
     EXPECT_EQ(messages_.LoadMessageFile(), 0);
     EXPECT_EQ(messages_.GetMessageText(1), kNoMessageText);
@@ -109,18 +85,22 @@ TEST_F(MessagesTest, LoadsWithTheFirstText) {
     EXPECT_EQ(messages_.LoadMessageFile(), 1);
     EXPECT_EQ(messages_.GetMessageText(1), u"other");
     EXPECT_EQ(messages_.GetMessageText(2), kNoMessageText);
+    const size_t most = size_t{4} << 20;  // bytes that are read
+    files.SetContent(kEnglish, Utf16Bytes(u"1\tone\r\n//") + std::string(most, 'x') + Utf16Bytes(u"\r\n2\ttwo\r\n"));
+    EXPECT_EQ(messages_.LoadMessageFile(), 1);
+    EXPECT_EQ(messages_.GetMessageText(2), kNoMessageText);
     EXPECT_THAT(ui_.messages, SizeIs(2));
 }
 
 TEST_F(MessagesTest, OurOwnTextsAreThereInEveryLanguage) {
-    files_.SetContent(u"C:\\Vel\\Lang\\Msg.en-US.txt", Bytes(u"63999\thost\r\n64000\town\r\n64001\t%1 items\r\n"));
-    settings_.WriteRegString(kSettingsKey, kLanguageName, u".fr-FR");
+    WriteMessages(u"63999\thost\r\n64000\town\r\n64001\t%1 items\r\n");
+    settings.WriteRegString(kSettingsKey, kLanguageName, u".fr-FR");
     EXPECT_EQ(messages_.GetMessageText(64000), u"own");
     EXPECT_EQ(messages_.GetMessageText(64001, {u"2"}), u"2 items");
     EXPECT_EQ(messages_.GetMessageText(64002), kNoMessageText);
     EXPECT_THAT(ui_.messages, SizeIs(1)) << "said once";
     EXPECT_EQ(messages_.GetMessageText(63999), kNoMessageText);
-    files_.SetContent(u"C:\\Vel\\Lang\\Msg.fr-FR.txt", Bytes(u"64000\tpropre\r\n"));
+    files.SetContent(u"C:\\V\\Lang\\Msg.fr-FR.txt", Utf16Bytes(u"64000\tpropre\r\n"));
     EXPECT_EQ(messages_.LoadMessageFile(), 1);
     EXPECT_EQ(messages_.GetMessageText(64000), u"propre");
     EXPECT_EQ(messages_.GetMessageText(64001, {u"2"}), u"2 items");

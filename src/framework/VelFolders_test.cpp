@@ -2,33 +2,22 @@
 
 #include <gmock/gmock.h>
 
+#include "framework/FolderWorld_test.h"
 #include "framework/Paths.h"
-#include "platform/fake/FakeEnvironment.h"
-#include "platform/fake/FakeUserAccount.h"
-#include "platform/fake/MemoryFileSystem.h"
-#include "platform/fake/MemoryRegistry.h"
-#include "platform/linux/LinuxPathCodec.h"
 
 namespace kinsort {
 namespace {
 
-class VelFoldersTest : public testing::Test {
+class VelFoldersTest : public testing::Test, protected FolderWorld {
   protected:
     // Folders are kept once they are known, so each question gets new ones.
     VelFolders Folders(std::u16string_view program = u"C:\\V\\command\\Default\\Kinsort") {
-        return VelFolders({settings_, files_, account_, environment_, *codec_}, program);
+        return VelFolders({settings, files, account, environment, *codec}, program);
     }
     void Choose(uint32_t mode, std::u16string_view folder = {}) {
-        settings_.WriteRegDword(kSettingsKey, kUserDirModeName, mode);
-        settings_.WriteRegString(kSettingsKey, kUserDirName, folder);
+        settings.WriteRegDword(kSettingsKey, kUserDirModeName, mode);
+        settings.WriteRegString(kSettingsKey, kUserDirName, folder);
     }
-
-    MemoryRegistry registry_;
-    Settings settings_{registry_, u"Kinsort"};
-    MemoryFileSystem files_;
-    FakeUserAccount account_;
-    FakeEnvironment environment_;
-    const std::unique_ptr<PathCodec> codec_ = MakeLinuxPathCodec("/nowhere/drives");
 };
 
 TEST_F(VelFoldersTest, FollowTheProgram) {
@@ -41,9 +30,9 @@ TEST_F(VelFoldersTest, FollowTheProgram) {
         {u"\\\\nas\\apps\\a\\b\\c\\Kinsort", u"\\\\nas\\apps\\a\\b\\c\\", u"\\\\nas\\apps\\a\\"},
     };
     for (const auto& one : cases) {
-        VelFolders folders = Folders(one.program);
-        EXPECT_EQ(folders.GetProgramDir(), one.programDir);
-        EXPECT_EQ(folders.GetAppDir(), one.appDir);
+        VelFolders asked = Folders(one.program);
+        EXPECT_EQ(asked.GetProgramDir(), one.programDir);
+        EXPECT_EQ(asked.GetAppDir(), one.appDir);
     }
     EXPECT_EQ(Folders(u"Kinsort").GetProgramDir(), u"Kinsort");
 }
@@ -51,9 +40,9 @@ TEST_F(VelFoldersTest, FollowTheProgram) {
 TEST_F(VelFoldersTest, UserFolderIsChosenByItsMode) {
     constexpr std::u16string_view kLocal = u"Z:\\home\\me\\.local\\share\\Vel";
     EXPECT_EQ(Folders().GetUserDir(), std::u16string(kLocal) + u"\\") << "without any settings";
-    EXPECT_TRUE(FileExists(files_, kLocal));
+    EXPECT_TRUE(FileExists(files, kLocal));
 
-    files_.AddFolder(u"C:\\V");
+    files.AddFolder(u"C:\\V");
     const struct {
         uint32_t mode;
         std::u16string chosen, folder;
@@ -69,20 +58,20 @@ TEST_F(VelFoldersTest, UserFolderIsChosenByItsMode) {
     };
     for (const auto& one : cases) {
         Choose(one.mode, one.chosen);
-        files_.Remove(u"C:\\V\\Ubar");
+        files.Remove(u"C:\\V\\Ubar");
         EXPECT_EQ(Folders().GetUserDir(), one.folder);
-        EXPECT_EQ(FileExists(files_, one.folder), one.isMade) << one.mode;
+        EXPECT_EQ(FileExists(files, one.folder), one.isMade) << one.mode;
     }
-    account_.localData = account_.login = std::nullopt;
-    files_.Remove(u"C:\\V\\Ubar");
+    account.localData = account.login = std::nullopt;
+    files.Remove(u"C:\\V\\Ubar");
     EXPECT_EQ(Folders().GetUserDir(), u"C:\\V\\Ubar\\");
-    EXPECT_TRUE(FileExists(files_, u"C:\\V\\Ubar"));
+    EXPECT_TRUE(FileExists(files, u"C:\\V\\Ubar"));
     Choose(0);
     EXPECT_EQ(Folders().GetUserDir(), u"C:\\V\\");
 
     Choose(1);
-    files_.Remove(u"C:\\V\\Ubar");
-    files_.DenyFolder(u"C:\\V");
+    files.Remove(u"C:\\V\\Ubar");
+    files.DenyFolder(u"C:\\V");
     VelFolders kept = Folders();
     EXPECT_EQ(kept.GetUserDir(), u"C:\\V\\Ubar\\") << "also when it cannot be made";
     Choose(2, u"D:\\New");
@@ -91,10 +80,10 @@ TEST_F(VelFoldersTest, UserFolderIsChosenByItsMode) {
 
 TEST_F(VelFoldersTest, ExpandsVariablesThenMacros) {
     Choose(2, u"U:\\me");
-    environment_.variables = {{u"HOME", u"/home/me"},
-                              {u"WHERE", u"%App_Dir%"},
-                              {u"Menu_dir", u"shadowed"},
-                              {u"LONG", std::u16string(16380, u'x')}};
+    environment.variables = {{u"HOME", u"/home/me"},
+                             {u"WHERE", u"%App_Dir%"},
+                             {u"Menu_dir", u"shadowed"},
+                             {u"LONG", std::u16string(16380, u'x')}};
     const std::pair<std::u16string, std::u16string> cases[] = {
         {u"%CMD_Dir%x.txt", u"C:\\V\\command\\Default\\x.txt"},
         {u"%cmd_dir%x.txt", u"%cmd_dir%x.txt"},
@@ -112,14 +101,14 @@ TEST_F(VelFoldersTest, ExpandsVariablesThenMacros) {
         EXPECT_EQ(Folders().ExpandDirectoryMacros(text), expected);
     Choose(0);
     Folders().ExpandDirectoryMacros(u"%CMD_Dir%");
-    EXPECT_FALSE(FileExists(files_, u"Z:\\home")) << "no folder is made that nobody named";
+    EXPECT_FALSE(FileExists(files, u"Z:\\home")) << "no folder is made that nobody named";
 }
 
 // The command line finds the same folders as the command itself, installed and in the build folder.
 TEST_F(VelFoldersTest, CommandIsFoundFromTheCommandLine) {
-    files_.AddFolder(u"Z:\\usr\\lib\\vel");
-    files_.AddFolder(u"Z:\\src\\build\\dev\\vel");
-    files_.AddFolder(u"Z:\\src\\build\\dev\\lib\\vel");
+    files.AddFolder(u"Z:\\usr\\lib\\vel");
+    files.AddFolder(u"Z:\\src\\build\\dev\\vel");
+    files.AddFolder(u"Z:\\src\\build\\dev\\lib\\vel");
     const std::pair<std::u16string, std::u16string> cases[] = {
         {u"Z:\\usr\\bin\\kinsort", u"Z:\\usr\\lib\\vel\\command\\Default\\Kinsort"},
         {u"Z:\\src\\build\\dev\\bin\\kinsort", u"Z:\\src\\build\\dev\\vel\\command\\Default\\Kinsort"},
@@ -127,7 +116,7 @@ TEST_F(VelFoldersTest, CommandIsFoundFromTheCommandLine) {
         {u"Z:\\any\\where\\Kinsort", u"Z:\\any\\where\\Kinsort"},
     };
     for (const auto& [executable, command] : cases)
-        EXPECT_EQ(FindCommandProgram(files_, executable, u"Kinsort"), command);
+        EXPECT_EQ(FindCommandProgram(files, executable, u"Kinsort"), command);
 }
 
 }  // namespace
