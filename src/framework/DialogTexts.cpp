@@ -47,6 +47,10 @@ std::u16string DialogTextFolder(VelFolders& folders, std::u16string_view languag
     return (program.drive + program.folder).append(languageSuffix).append(u"\\").append(program.baseName);
 }
 
+std::u16string DialogTextFile(VelFolders& folders, std::u16string_view languageSuffix, int dialogNumber) {
+    return DialogTextFolder(folders, languageSuffix) + u"\\" + FormatInteger(dialogNumber) + u".txt";
+}
+
 std::u16string LinesOf(const DialogControlTexts& control) {
     const std::u16string start = FormatInteger(control.number) + u"\t";
     const std::u16string className = control.className.substr(0, kMaxClassLength);
@@ -98,10 +102,6 @@ void TranslateDialog(const DialogTextContext& context, DialogTextTarget& dialog,
     if (ApplyDialogTranslation(context, dialog, dialogNumber, suffix) == 0) {
         ExportDialogTexts(context, dialog, dialogNumber, suffix);
     }
-}
-
-std::u16string DialogTextFile(VelFolders& folders, std::u16string_view languageSuffix, int dialogNumber) {
-    return DialogTextFolder(folders, languageSuffix) + u"\\" + FormatInteger(dialogNumber) + u".txt";
 }
 
 int ApplyDialogTranslation(const DialogTextContext& context, DialogTextTarget& dialog, int dialogNumber,

@@ -51,9 +51,6 @@ struct DialogTextContext {
 // the texts of the file, and writes the file when there is none.
 void TranslateDialog(const DialogTextContext& context, DialogTextTarget& dialog, int dialogNumber);
 
-// The file's name, inner form.
-std::u16string DialogTextFile(VelFolders& folders, std::u16string_view languageSuffix, int dialogNumber);
-
 // Puts the texts of the file into the dialog; lines that say nothing are skipped. 1 when the file was read, 0 when it
 // could not be opened.
 int ApplyDialogTranslation(const DialogTextContext& context, DialogTextTarget& dialog, int dialogNumber,

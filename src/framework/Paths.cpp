@@ -17,6 +17,11 @@ size_t NameOffset(std::u16string_view path) {
     return path.find_last_of(kSeparators) + 1;
 }
 
+// "C:\", "c:/".
+bool IsDriveRoot(std::u16string_view path) {
+    return path.size() == 3 && path[1] == u':' && IsSeparator(path[2]);
+}
+
 bool IsSpecialPath(std::u16string_view text) {
     return text.starts_with(u':') || text.starts_with(u';');
 }
@@ -34,10 +39,6 @@ std::u16string ToLongPathForm(std::u16string_view path) {
 bool IsUrl(std::u16string_view text) {
     return std::any_of(std::begin(kUrlPrefixes), std::end(kUrlPrefixes),
                        [&](std::u16string_view prefix) { return StartsWithNoCase(text, prefix); });
-}
-
-bool IsDriveRoot(std::u16string_view path) {
-    return path.size() == 3 && path[1] == u':' && IsSeparator(path[2]);
 }
 
 std::u16string GetDirectoryPart(std::u16string_view path) {

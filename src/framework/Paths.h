@@ -28,9 +28,6 @@ std::u16string ToLongPathForm(std::u16string_view path);
 // True when the text begins with "https://", "http://" or "ftp://", without regard to case.
 bool IsUrl(std::u16string_view text);
 
-// "C:\", "c:/": three units with ":" second and a separator third.
-bool IsDriveRoot(std::u16string_view path);
-
 // Up to and including the last separator, and what follows it; the whole path in both cases when it has none.
 std::u16string GetDirectoryPart(std::u16string_view path);
 std::u16string GetFileNamePart(std::u16string_view path);

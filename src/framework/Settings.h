@@ -34,22 +34,19 @@ class Settings {
     Settings(Registry& registry, std::u16string_view commandName)
         : registry_(registry), commandKey_(std::u16string(kCommandKeyPrefix).append(commandName)) {}
 
-    // --- the host's settings; each call makes the key if it is missing
-    // ------------------------------------------------
+    // --- the host's settings; each call makes the key if it is missing -----------------------------------------------
 
     // The value's data as text, whatever its type; `otherwise` when it cannot be read or is too long.
     std::u16string ReadSettingString(std::u16string_view name, std::u16string_view otherwise);
     // The value's data as a number, whatever its type; 0 when it cannot be read or is longer than four bytes.
     uint32_t ReadSettingDword(std::u16string_view name);
 
-    // --- any key of the user; 1 on success, 0 on failure
-    // ---------------------------------------------------------------
+    // --- any key of the user; 1 on success, 0 on failure -------------------------------------------------------------
 
     int WriteRegString(std::u16string_view key, std::u16string_view name, std::u16string_view text);
     int WriteRegDword(std::u16string_view key, std::u16string_view name, uint32_t number);
 
-    // --- the command's own key
-    // -----------------------------------------------------------------------------------------
+    // --- the command's own key ---------------------------------------------------------------------------------------
 
     const std::u16string& CommandKey() const { return commandKey_; }
     std::u16string ReadCommandString(std::u16string_view name, std::u16string_view otherwise = {});
@@ -59,8 +56,7 @@ class Settings {
     // All of the texts or none: much faster than one by one.
     int WriteCommandStrings(std::span<const std::pair<std::u16string, std::u16string>> namesAndTexts);
 
-    // --- the language, read on first use and kept
-    // ----------------------------------------------------------------------
+    // --- the language, read on first use and kept --------------------------------------------------------------------
 
     // ".ja-JP", ".en-US": what stands in the names of the files of texts.
     const std::u16string& LanguageSuffix();

@@ -44,37 +44,37 @@ TEST(TypedPath, EveryFormIsUnderstood) {
 
 TEST(TypedPath, EveryProblemIsNamed) {
     struct Case {
-        std::string typed;
         TypedPathProblem problem;
         std::string_view text;
+        std::vector<std::string> typed;
     };
     const Case cases[] = {
-        {"", TypedPathProblem::kEmpty, "The path is empty. Give a file or folder."},
-        {"~/x", TypedPathProblem::kNoHome, "The home folder is not known. Set HOME, or write the path out."},
-        {"file://nas/x", TypedPathProblem::kForeignHost,
-         "The URI names another computer. Mount its folder and give the path here."},
-        {"file://localhos/x", TypedPathProblem::kForeignHost,
-         "The URI names another computer. Mount its folder and give the path here."},
-        {"file:x", TypedPathProblem::kNotAbsolute, "A file URI needs an absolute path. Write file:///folder/name."},
-        {"file://", TypedPathProblem::kNotAbsolute, "A file URI needs an absolute path. Write file:///folder/name."},
-        {"file:///a%2", TypedPathProblem::kBadPercent,
-         "A '%' in the URI is not followed by two hexadecimal digits. Write %25 for the sign itself."},
-        {"file:///a%g0", TypedPathProblem::kBadPercent,
-         "A '%' in the URI is not followed by two hexadecimal digits. Write %25 for the sign itself."},
-        {"file:///a%2Fb", TypedPathProblem::kForbiddenByte,
-         "No file name can hold this character (%2F, %00). Check the URI."},
-        {"file:///a%00", TypedPathProblem::kForbiddenByte,
-         "No file name can hold this character (%2F, %00). Check the URI."},
-        {"/a\0b"s, TypedPathProblem::kForbiddenByte, "No file name can hold this character (%2F, %00). Check the URI."},
-        {"file:///a#b", TypedPathProblem::kHasFragment,
-         "A file URI has no '?' or '#' part. Write %3F or %23 for the sign itself."},
+        {TypedPathProblem::kEmpty, "The path is empty. Give a file or folder.", {""}},
+        {TypedPathProblem::kNoHome, "The home folder is not known. Set HOME, or write the path out.", {"~/x"}},
+        {TypedPathProblem::kForeignHost,
+         "The URI names another computer. Mount its folder and give the path here.",
+         {"file://nas/x", "file://localhos/x"}},
+        {TypedPathProblem::kNotAbsolute,
+         "A file URI needs an absolute path. Write file:///folder/name.",
+         {"file:x", "file://"}},
+        {TypedPathProblem::kBadPercent,
+         "A '%' in the URI is not followed by two hexadecimal digits. Write %25 for the sign itself.",
+         {"file:///a%2", "file:///a%g0"}},
+        {TypedPathProblem::kForbiddenByte,
+         "No file name can hold this character (%2F, %00). Check the URI.",
+         {"file:///a%2Fb", "file:///a%00", "/a\0b"s}},
+        {TypedPathProblem::kHasFragment,
+         "A file URI has no '?' or '#' part. Write %3F or %23 for the sign itself.",
+         {"file:///a#b"}},
     };
     const std::unique_ptr<PathCodec> codec = MakeLinuxPathCodec("");
-    for (const Case& c : cases) {
-        const TypedPath path = InnerPathFromTyped(c.typed, "", *codec);
-        EXPECT_EQ(path.problem, c.problem) << c.typed;
-        EXPECT_EQ(path.inner, u"") << c.typed;
-        EXPECT_EQ(DescribeProblem(path.problem), c.text);
+    for (const auto& [problem, text, typed] : cases) {
+        for (const std::string& one : typed) {
+            const TypedPath path = InnerPathFromTyped(one, "", *codec);
+            EXPECT_EQ(path.problem, problem) << one;
+            EXPECT_EQ(path.inner, u"") << one;
+        }
+        EXPECT_EQ(DescribeProblem(problem), text);
     }
 }
 

@@ -12,19 +12,20 @@ namespace {
 
 struct MacroRow {
     std::u16string_view name;
-    std::u16string (*folder)(VelFolders& folders);
+    const std::u16string& (VelFolders::*base)();
+    std::u16string_view below;
 };
 
 // Replaced in this order. To add one: a row.
 constexpr std::array<MacroRow, 8> kMacros = {{
-    {u"%Script_dir%", [](VelFolders& folders) { return folders.GetScriptDir(); }},
-    {u"%User_dir%", [](VelFolders& folders) { return folders.GetUserDir(); }},
-    {u"%Menu_dir%", [](VelFolders& folders) { return folders.GetMenuDir(); }},
-    {u"%App_Dir%", [](VelFolders& folders) { return folders.GetAppDir(); }},
-    {u"%CMD_Dir%", [](VelFolders& folders) { return folders.GetDefaultCommandDir(); }},
-    {u"%CmdPlugin_Dir%", [](VelFolders& folders) { return folders.GetPluginCommandDir(); }},
-    {u"%Viewer_Dir%", [](VelFolders& folders) { return folders.GetViewerCommandDir(); }},
-    {u"%UserCmd_Dir%", [](VelFolders& folders) { return folders.GetUserCommandDir(); }},
+    {u"%Script_dir%", &VelFolders::GetUserDir, u"Script\\"},
+    {u"%User_dir%", &VelFolders::GetUserDir, u""},
+    {u"%Menu_dir%", &VelFolders::GetUserDir, u"Menu\\"},
+    {u"%App_Dir%", &VelFolders::GetAppDir, u""},
+    {u"%CMD_Dir%", &VelFolders::GetAppDir, u"command\\Default\\"},
+    {u"%CmdPlugin_Dir%", &VelFolders::GetAppDir, u"command\\CmdPlugin\\"},
+    {u"%Viewer_Dir%", &VelFolders::GetAppDir, u"command\\Viewer\\"},
+    {u"%UserCmd_Dir%", &VelFolders::GetAppDir, u"command\\User\\"},
 }};
 
 // Units of a text after the environment's variables were put in.
@@ -72,7 +73,7 @@ std::u16string VelFolders::ExpandDirectoryMacros(std::u16string_view text) {
     for (const MacroRow& macro : kMacros) {
         // Only a macro that occurs is worth working out its folder, which may have to be made.
         if (expanded.find(macro.name) == expanded.npos) continue;
-        expanded = Replace(expanded, macro.name, macro.folder(*this));
+        expanded = Replace(expanded, macro.name, (this->*macro.base)() + std::u16string(macro.below));
     }
     return expanded;
 }

@@ -42,13 +42,6 @@ class VelFolders {
     // The user folder, as UserDirMode says; made on first use in modes 0 and 1. Given also when it could not be made.
     const std::u16string& GetUserDir();
 
-    std::u16string GetScriptDir() { return GetUserDir() + u"Script\\"; }
-    std::u16string GetMenuDir() { return GetUserDir() + u"Menu\\"; }
-    std::u16string GetDefaultCommandDir() { return GetAppDir() + u"command\\Default\\"; }
-    std::u16string GetPluginCommandDir() { return GetAppDir() + u"command\\CmdPlugin\\"; }
-    std::u16string GetViewerCommandDir() { return GetAppDir() + u"command\\Viewer\\"; }
-    std::u16string GetUserCommandDir() { return GetAppDir() + u"command\\User\\"; }
-
     // First every "%NAME%" of the environment (ExpandEnvironment; a result longer than 16,383 units leaves the text as
     // it was), then the directory macros, named exactly: %Script_dir% %User_dir% %Menu_dir% %App_Dir% %CMD_Dir%
     // %CmdPlugin_Dir% %Viewer_Dir% %UserCmd_Dir%.

@@ -6,8 +6,8 @@
 // - names are stored names (bytes on Linux): one component, no separator, never empty, "." or "..";
 // - a folder argument is an open folder; names are looked up in it and nowhere else, and no link is ever followed
 //   unless the function says so;
-// - failures come back as a Status with the system's number; kInterrupted and short transfers are the caller's to
-// repeat;
+// - failures come back as a Status with the system's number; kInterrupted and short transfers are the caller's
+//   to repeat;
 // - all functions may be called from several threads at once.
 #pragma once
 
