@@ -13,16 +13,19 @@
 namespace kinsort {
 namespace {
 
-// An outcome that the user expects: done, or left out because they said so.
-bool IsAsWished(const ItemReport& report) {
-    return report.outcome == ItemOutcome::kDone ||
-           (report.outcome == ItemOutcome::kSkipped &&
-            (report.reason == ItemReason::kConflictSkipped || report.reason == ItemReason::kDuplicate));
+// Every item has the outcome that the user expects: done, or left out because they said so.
+bool IsAsWished(const BatchResult& result) {
+    const auto isExpected = [](const ItemReport& report) {
+        return report.outcome == ItemOutcome::kDone ||
+               (report.outcome == ItemOutcome::kSkipped &&
+                (report.reason == ItemReason::kConflictSkipped || report.reason == ItemReason::kDuplicate));
+    };
+    return !result.cancelled && result.status.ok() &&
+           std::all_of(result.reports.begin(), result.reports.end(), isExpected);
 }
 
 bool NeedsSummary(const BatchResult& result) {
-    return result.done == 0 || result.cancelled || !result.status.ok() ||
-           !std::all_of(result.reports.begin(), result.reports.end(), IsAsWished);
+    return result.done == 0 || !IsAsWished(result);
 }
 
 }  // namespace
@@ -195,9 +198,7 @@ void OperationPresenter::Recover(UndoHistory& history, const BatchSummary& batch
         return history.Recover(batch.id, action, &progress, &cancel);
     });
     // Of a batch that was interrupted before its first item nothing is left to do, and that is as it should be.
-    const bool isSettled = result.status.ok() && !result.cancelled &&
-                           std::all_of(result.reports.begin(), result.reports.end(), IsAsWished);
-    if (!isSettled && !isEnding_) view_.ShowSummary(texts_.Summarize(kind, result, false));
+    if (!IsAsWished(result) && !isEnding_) view_.ShowSummary(texts_.Summarize(kind, result, false));
 }
 
 void OperationPresenter::CancelRunning() {

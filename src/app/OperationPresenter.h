@@ -41,15 +41,16 @@ class OperationPresenter final : public OperationRunner {
     void Undo(BatchId id);
     void Recover(UndoHistory& history, const BatchSummary& batch, RecoverAction action);
 
-    std::optional<FileOperationServices> engine_;
-    OperationView& view_;
-    OperationTexts texts_;
-    Worker* running_ = nullptr;
     struct Finished {
         OperationKind kind;
         BatchResult result;
         std::u16string folder;
     };
+
+    std::optional<FileOperationServices> engine_;
+    OperationView& view_;
+    OperationTexts texts_;
+    Worker* running_ = nullptr;
     bool isEnding_ = false;
     std::optional<Finished> undoable_;  // what OfferUndo is about
 };

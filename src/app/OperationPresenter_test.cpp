@@ -405,7 +405,6 @@ TEST_F(OperationPresenterTest, PutsProgressIntoWords) {
 TEST_F(OperationPresenterTest, PutsReasonsIntoWords) {
     OperationTexts texts(messages, *codec);
     const Status gone = Status::Failure(StatusCode::kNotFound, 2, u"raw").At(u"Z:\\out\\A");
-    const Status own = Status::Failure(StatusCode::kInvalid, 0, u"our own words");
     const Status other = Status::Failure(StatusCode::kOther, 71, u"Protocol error");
     constexpr ItemOutcome kFailed = ItemOutcome::kFailed;
     const struct {
@@ -417,7 +416,6 @@ TEST_F(OperationPresenterTest, PutsReasonsIntoWords) {
     } cases[] = {
         {u"Z:\\in\\a", kFailed, ItemReason::kSystem, gone, N(kMsgStatusFirst + 1) + u" (/out/A)"},
         {u"Z:\\out\\A", kFailed, ItemReason::kSystem, gone, N(kMsgStatusFirst + 1)},
-        {u"", kFailed, ItemReason::kSystem, own, u"our own words"},
         {u"", kFailed, ItemReason::kSystem, other, N(kMsgStatusFirst + 27) + u" Protocol error"},
         {u"", kFailed, ItemReason::kSystem, Status::Failure(StatusCode::kOther, 71), N(kMsgStatusFirst + 27) + u" 71"},
         {u"", kFailed, ItemReason::kLastCopy, {}, N(kMsgReasonFirst + 12)},

@@ -8,6 +8,7 @@
 #include "framework/MessageNumbers.h"
 #include "framework/Paths.h"
 #include "text/Amounts.h"
+#include "text/Numbers.h"
 #include "text/Utf8.h"
 
 namespace kinsort {
@@ -33,7 +34,7 @@ const KindRow& RowOf(OperationKind kind) {
 }
 
 std::u16string Number(uint64_t number) {
-    return FromUtf8(std::to_string(number));
+    return FormatInteger(static_cast<int64_t>(number));
 }
 
 std::u16string Size(double bytes) {
@@ -163,8 +164,6 @@ ButtonQuestion OperationTexts::AskRecovery(const BatchSummary& batch) {
 // --- the outcome -----------------------------------------------------------------------------------------------------
 
 std::u16string OperationTexts::StatusText(const Status& status) {
-    // A failure of our own that brings its text knows best.
-    if (status.systemCode() == 0 && !status.systemText().empty()) return status.systemText();
     const auto number = static_cast<uint16_t>(kMsgStatusFirst + static_cast<uint16_t>(status.code()));
     return messages_.GetMessageText(
         number, {status.systemText().empty() ? Number(static_cast<uint64_t>(std::abs(status.systemCode())))

@@ -13,21 +13,19 @@
 namespace kinsort {
 
 struct ProgressTexts {
-    std::u16string title;     // of the window: "Moving 120 items"
-    std::u16string headline;  // "45 of 120 items, 12.3 MB of 80 MB"; "Looking..." while the batch is planned
+    std::u16string title;     // of the window: "Moving"
+    std::u16string headline;  // "45 of 120 items"; "Preparing..." while the batch is planned
     std::u16string name;      // the file that is worked on, as people know its path; to be shortened in its middle
-    std::u16string figures;   // "12.3 MB/s, 0:35 left"; empty while unknown
+    std::u16string figures;   // "12.3 MB of 80.0 MB (5.0 MB/s) about 14 s left"; empty while unknown
     std::u16string cancel;    // label of the button
     int permille = -1;        // 0 to 1000; -1: at work, nobody knows how far
     bool isStopping = false;  // Cancel was pressed: the button is disabled
-
-    bool operator==(const ProgressTexts&) const = default;
 };
 
 struct ConflictSideTexts {
-    std::u16string heading;  // "New file", "File that is there"
+    std::u16string heading;  // "Incoming", "Already there"
     std::u16string path;     // as people know it
-    std::u16string details;  // "1.2 MB, 2024-05-31 14:03, newer"
+    std::u16string details;  // "1.2 MB, 2024-05-31 14:03"
 };
 
 struct ConflictButton {
@@ -62,7 +60,7 @@ struct SummaryRow {
 
 struct OperationSummary {
     std::u16string title;
-    std::u16string headline;              // "Moved 117 items, 2 failed, 1 skipped."
+    std::u16string headline;              // "Items moved: 117."
     std::vector<std::u16string> notes;    // about the batch as a whole, in full sentences
     std::vector<SummaryRow> rows;         // items that are not plainly done; can be very many
     std::u16string nameColumn;            // headings of the two columns
@@ -72,7 +70,7 @@ struct OperationSummary {
 
 struct UndoOffer {
     std::u16string title;
-    std::u16string text;  // "Moved 120 items."
+    std::u16string text;  // "Items moved into the folders of /home/me/Pictures: 120."
     std::u16string undo;  // label of the button
 };
 
