@@ -1,6 +1,7 @@
 #include "controls/CmdListCtrl.h"
 
-#include <condition_variable>
+#include <atomic>
+#include <future>
 #include <map>
 #include <mutex>
 #include <set>
@@ -45,39 +46,36 @@ class RecordingList final : public CmdListView {
     void Record(std::string call) { calls.push_back(std::move(call)); }
 };
 
-// Icons by path and by name; a path in `held` answers only when it is let go.
+// Icons by path and by name, from a disk that can stop answering.
 class ScriptedIcons final : public Icons {
   public:
     int IndexOfPath(std::u16string_view path) override {
-        std::unique_lock lock(mutex_);
-        asked.insert(ToUtf8(path));
-        changed_.notify_all();
-        changed_.wait(lock, [&] { return !held.contains(std::u16string(path)); });
+        Note(ToUtf8(path));
+        if (answer_.valid()) answer_.wait();
         const auto found = icons.find(std::u16string(path));
         return found == icons.end() ? -1 : found->second;
     }
     int IndexOfName(std::u16string_view name, uint32_t attributes) override {
-        const std::lock_guard lock(mutex_);
-        asked.insert(ToUtf8(name) + " " + std::to_string(attributes));
+        Note(ToUtf8(name) + " " + std::to_string(attributes));
         return 7;
     }
-    void WaitUntilAsked(const std::string& what) {
-        std::unique_lock lock(mutex_);
-        changed_.wait(lock, [&] { return asked.contains(what); });
-    }
-    void LetGo() {
-        const std::lock_guard lock(mutex_);
-        held.clear();
-        changed_.notify_all();
-    }
+    void Stop() { answer_ = disk_.get_future(); }
+    void GoOn() { disk_.set_value(); }
 
+    std::atomic<int> count = 0;  // of what was asked
     std::map<std::u16string, int> icons;
-    std::set<std::u16string> held;
     std::multiset<std::string> asked;
 
   private:
+    void Note(std::string what) {
+        const std::lock_guard lock(mutex_);
+        asked.insert(std::move(what));
+        ++count;
+        count.notify_all();
+    }
     std::mutex mutex_;
-    std::condition_variable changed_;
+    std::promise<void> disk_;
+    std::shared_future<void> answer_;
 };
 
 class CmdListCtrlTest : public testing::Test {
@@ -86,11 +84,22 @@ class CmdListCtrlTest : public testing::Test {
         for (const char16_t* path : paths)
             list->Plan().AddItem(path);
     }
+    // Two rows, and a worker that waits for the disk of the first.
+    void StartOnADeadDisk() {
+        Add({u"Z:\\dead", u"Z:\\b"});
+        icons.Stop();
+        list->OnCacheHint(0, 1);
+        icons.count.wait(0);
+    }
+    void FetchIcons() {
+        ASSERT_TRUE(list->WaitForIcons(kLong));
+        view.tasks.RunAll();
+    }
     std::vector<int> IconsOfRows() const {
-        std::vector<int> icons_;
+        std::vector<int> found;
         for (size_t row = 0; row < list->Plan().GetCount(); ++row)
-            icons_.push_back(list->Plan().GetIcon(row));
-        return icons_;
+            found.push_back(list->Plan().GetIcon(row));
+        return found;
     }
     // Presses the keys one after the other; what the focus mark stands on then.
     size_t Type(std::string_view keys) {
@@ -141,33 +150,30 @@ TEST_F(CmdListCtrlTest, IconsOfPathsAreAskedForAndThoseOfSharesGuessedByName) {
 TEST_F(CmdListCtrlTest, RowsCanGoWhileAWorkerWaitsForADisk) {
     Add({u"Z:\\slow", u"Z:\\b", u"Z:\\c", u"Z:\\d"});
     icons.icons = {{u"Z:\\slow", 1}, {u"Z:\\b", 2}, {u"Z:\\c", 3}, {u"Z:\\d", 4}};
-    icons.held = {u"Z:\\slow"};
+    icons.Stop();
     list->OnCacheHint(0, 3);
-    icons.WaitUntilAsked("Z:\\slow");
+    icons.count.wait(0);
     list->Plan().RemoveItem(0);  // would never return if the worker had the lock
     list->Plan().RemoveItem(1);
     EXPECT_EQ(list->OnGetDispInfo(0, 0).text, u"b");
     list->OnCacheHint(0, 1);
-    icons.LetGo();
+    icons.GoOn();
     ASSERT_TRUE(list->WaitForIcons(kLong));
     EXPECT_EQ(list->Plan().GetIcon(0), -1) << "the icon of the row that is gone";
-    view.tasks.RunAll();
-    ASSERT_TRUE(list->WaitForIcons(kLong));
-    view.tasks.RunAll();
+    FetchIcons();
+    FetchIcons();
     EXPECT_THAT(IconsOfRows(), ElementsAre(2, 4)) << "the hint given meanwhile was forgotten";
     EXPECT_THAT(view.calls, ElementsAre("redraw 0-3", "redraw 0-0"));
 }
 
 TEST_F(CmdListCtrlTest, HintsBeyondTheLastWorkerWaitAndTheNewestIsServed) {
+    icons.Stop();
     for (size_t row = 0; row < CCmdListCtrl::kMaxIconWorkers + 2; ++row) {
-        const std::u16string path = u"Z:\\" + std::u16string(1, static_cast<char16_t>(u'a' + row));
-        list->Plan().AddItem(path);
-        icons.held.insert(path);
+        list->Plan().AddItem(u"Z:\\" + std::u16string(1, static_cast<char16_t>(u'a' + row)));
         list->OnCacheHint(row, row);
     }
-    icons.LetGo();
-    ASSERT_TRUE(list->WaitForIcons(kLong));
-    view.tasks.RunAll();
+    icons.GoOn();
+    FetchIcons();
     ASSERT_TRUE(list->WaitForIcons(kLong));
     std::vector<int> expected(CCmdListCtrl::kMaxIconWorkers + 2, 0);
     expected[CCmdListCtrl::kMaxIconWorkers] = -1;
@@ -175,11 +181,8 @@ TEST_F(CmdListCtrlTest, HintsBeyondTheLastWorkerWaitAndTheNewestIsServed) {
 }
 
 TEST_F(CmdListCtrlTest, ClosingWaitsForWorkersAndDropsTheirAnswers) {
-    Add({u"Z:\\slow", u"Z:\\b"});
-    icons.held = {u"Z:\\slow"};
-    list->OnCacheHint(0, 1);
-    icons.WaitUntilAsked("Z:\\slow");
-    std::thread releaser([this] { icons.LetGo(); });
+    StartOnADeadDisk();
+    std::thread releaser([this] { icons.GoOn(); });
     list.reset();
     releaser.join();
     EXPECT_EQ(WorkerThreads::LeftBehind(), 0u);
@@ -188,13 +191,10 @@ TEST_F(CmdListCtrlTest, ClosingWaitsForWorkersAndDropsTheirAnswers) {
 }
 
 TEST_F(CmdListCtrlTest, AWorkerThatHangsIsLeftBehindAndHarmsNobodyWhenItWakes) {
-    Add({u"Z:\\dead", u"Z:\\b"});
-    icons.held = {u"Z:\\dead"};
-    list->OnCacheHint(0, 1);
-    icons.WaitUntilAsked("Z:\\dead");
+    StartOnADeadDisk();
     list.reset();
     EXPECT_EQ(WorkerThreads::LeftBehind(), 1u);
-    icons.LetGo();
+    icons.GoOn();
     while (WorkerThreads::LeftBehind() > 0)
         std::this_thread::yield();
     EXPECT_EQ(icons.asked.count("Z:\\b"), 0u) << "it went on after the list had gone";
@@ -202,14 +202,18 @@ TEST_F(CmdListCtrlTest, AWorkerThatHangsIsLeftBehindAndHarmsNobodyWhenItWakes) {
 }
 
 TEST_F(CmdListCtrlTest, TypingFindsRowsByTheirFirstLetters) {
+    EXPECT_TRUE(list->OnKeyDown('A')) << "there is no row";
+    view.focused = 3;  // of rows that are gone
+    EXPECT_TRUE(list->OnKeyDown('B'));
+    EXPECT_THAT(view.calls, IsEmpty());
+
     Add({u"\\apple", u"\\Rose", u"\\rain", u"\\READ me", u"\\2024", u"\\ant", u"\\over R"});
-    struct Case {
+    const struct {
         std::optional<size_t> focused;
         std::string keys;
         size_t then;
         const char* why;
-    };
-    const Case cases[] = {
+    } cases[] = {
         {0, "R", 1, "the next that begins with it"},
         {0, "RR", 2, "the same letter again steps on"},
         {0, "RRRR", 1, "and around, to rows before the focused one"},
@@ -222,10 +226,10 @@ TEST_F(CmdListCtrlTest, TypingFindsRowsByTheirFirstLetters) {
         {5, "X", 5, "no such row"},
         {6, "REAX", 3, "what no row begins with leaves the focus where it is"},
     };
-    for (const Case& c : cases) {
+    for (const auto& one : cases) {
         Pass(2000);
-        view.focused = c.focused;
-        EXPECT_EQ(Type(c.keys), c.then) << c.keys << ": " << c.why;
+        view.focused = one.focused;
+        EXPECT_EQ(Type(one.keys), one.then) << one.keys << ": " << one.why;
     }
     Pass(2000);
     view.focused = 0;
@@ -241,20 +245,12 @@ TEST_F(CmdListCtrlTest, TypingFindsRowsByTheirFirstLetters) {
 TEST_F(CmdListCtrlTest, APauseOfMoreThanASecondBeginsANewPrefix) {
     Add({u"\\r1", u"\\re", u"\\e"});
     view.focused = 0;
-    Type("R");
-    EXPECT_EQ(view.focused, 1u);
+    EXPECT_EQ(Type("R"), 1u);
     view.focused = 0;
     Pass(1000);
     EXPECT_EQ(Type("E"), 1u) << "a second is no pause: RE";
     Pass(1001);
     EXPECT_EQ(Type("E"), 2u);
-}
-
-TEST_F(CmdListCtrlTest, TypingIntoAnEmptyListDoesNothing) {
-    EXPECT_TRUE(list->OnKeyDown('A'));
-    view.focused = 3;  // of rows that are gone
-    EXPECT_TRUE(list->OnKeyDown('B'));
-    EXPECT_THAT(view.calls, IsEmpty());
 }
 
 }  // namespace

@@ -1,8 +1,5 @@
 #include "controls/ComplementComboBox.h"
 
-#include <condition_variable>
-#include <mutex>
-
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -17,39 +14,6 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 
 constexpr std::chrono::seconds kLong{60};
-
-// A disk that answers a listing only when it is let go.
-class SlowFileSystem final : public FileSystem {
-  public:
-    explicit SlowFileSystem(FileSystem& inner) : inner_(inner) {}
-    uint32_t GetAttributes(std::u16string_view path) override { return inner_.GetAttributes(path); }
-    Result<std::unique_ptr<FolderSearch>> OpenSearch(std::u16string_view pattern) override {
-        std::unique_lock lock(mutex_);
-        ++searches;
-        changed_.wait(lock, [&] { return !isHeld_; });
-        return inner_.OpenSearch(pattern);
-    }
-    Status CreateFolder(std::u16string_view path) override { return inner_.CreateFolder(path); }
-    Result<std::u16string> ResolveFullPath(std::u16string_view path) override { return inner_.ResolveFullPath(path); }
-    std::u16string CurrentFolder() override { return inner_.CurrentFolder(); }
-    Result<std::unique_ptr<InputFile>> OpenInput(std::u16string_view path) override { return inner_.OpenInput(path); }
-    Result<std::unique_ptr<OutputFile>> OpenOutput(std::u16string_view path, OutputStart start) override {
-        return inner_.OpenOutput(path, start);
-    }
-
-    void Hold(bool isHeld) {
-        const std::lock_guard lock(mutex_);
-        isHeld_ = isHeld;
-        changed_.notify_all();
-    }
-    int searches = 0;
-
-  private:
-    FileSystem& inner_;
-    std::mutex mutex_;
-    std::condition_variable changed_;
-    bool isHeld_ = false;
-};
 
 class Box final : public CComplementComboBox {
   public:
@@ -70,38 +34,53 @@ constexpr BoxKeyPress Ctrl(BoxKey key) {
 constexpr BoxKeyPress Shift(BoxKey key) {
     return {key, true, false, false};
 }
-constexpr BoxKeyPress kComplete = {BoxKey::kDown, false, false, false};
+constexpr BoxKeyPress Alt(BoxKey key) {
+    return {key, false, false, true};
+}
 
 class ComplementComboBoxTest : public testing::Test {
   protected:
+    using Texts = std::vector<std::u16string>;
+
     ComplementComboBoxTest() {
         for (const char16_t* folder :
              {u"D:\\Projects", u"D:\\MyProgs", u"D:\\other", u"Z:\\home\\me\\Pictures", u"Z:\\home\\me\\Pixels",
               u"Z:\\home\\me\\epic", u"Z:\\home\\you", u"Z:\\opt", u"Z:\\down\\inside", u"\\\\nas\\share\\deep"})
-            disk.AddFolder(folder);
-        disk.AddFile(u"D:\\Program.txt");
+            files.AddFolder(folder);
+        files.AddFile(u"D:\\Program.txt");
         view.control = &box;
         box.m_bFoldersOnly = true;
     }
-    bool Press(const BoxKeyPress& press) {
-        const bool used = box.OnKey(press);
+    void TakeAnswers() {
         EXPECT_TRUE(box.WaitForListing(kLong));
         view.tasks.RunAll();
+    }
+    bool Press(const BoxKeyPress& press) {
+        const bool used = box.OnKey(press);
+        TakeAnswers();
         return used;
     }
     // The text, then the items of an open list.
-    std::vector<std::u16string> Complete(std::u16string_view typed) {
+    Texts Complete(std::u16string_view typed) {
         view.CloseList();
         view.ResetItems();
         view.Type(typed);
-        EXPECT_TRUE(Press(kComplete));
-        std::vector<std::u16string> result = {view.text};
+        EXPECT_TRUE(Press(Plain(BoxKey::kDown)));
+        Texts result = {view.text};
         if (view.isOpen) result.insert(result.end(), view.items.begin(), view.items.end());
         return result;
     }
+    // Has the one answer come only when `meanwhile` is over.
+    void CompleteSlowly(const std::function<void()>& meanwhile) {
+        EXPECT_TRUE(box.OnKey(Plain(BoxKey::kDown)));
+        EXPECT_TRUE(view.isBusy);
+        meanwhile();
+        EXPECT_TRUE(box.WaitForListing(kLong));
+        EXPECT_EQ(view.tasks.RunAll(), 1);
+        EXPECT_FALSE(view.isBusy);
+    }
 
-    MemoryFileSystem disk;
-    SlowFileSystem files{disk};
+    MemoryFileSystem files;
     std::unique_ptr<PathCodec> codec = MakeLinuxPathCodec("");
     FolderText texts{*codec, "/home/me"};
     MemoryCombo view;
@@ -109,12 +88,10 @@ class ComplementComboBoxTest : public testing::Test {
 };
 
 TEST_F(ComplementComboBoxTest, TypedTextsAreCompleted) {
-    using Texts = std::vector<std::u16string>;
-    struct Case {
+    const struct {
         std::u16string typed;
         Texts result;  // the text, then the list that opens
-    };
-    const Case cases[] = {
+    } cases[] = {
         {u"d", {u"d:\\"}},
         {u"D:", {u"D:\\"}},
         {u"\\", {u"\\\\"}},
@@ -136,13 +113,17 @@ TEST_F(ComplementComboBoxTest, TypedTextsAreCompleted) {
         {u"file:///home/me/pix", {u"/home/me/Pixels/"}},
         {u"op", {u"opt/"}},
     };
-    for (const Case& c : cases) {
-        EXPECT_EQ(Complete(c.typed), c.result);
+    for (const auto& one : cases) {
+        EXPECT_EQ(Complete(one.typed), one.result);
         EXPECT_TRUE(view.IsCaretAtEnd());
         EXPECT_FALSE(view.isBusy);
     }
     box.m_bFoldersOnly = false;
     EXPECT_EQ(Complete(u"D:\\pro"), (Texts{u"D:\\pro", u"D:\\MyProgs\\", u"D:\\Program.txt", u"D:\\Projects\\"}));
+
+    for (int i = 0; i < 5200; ++i)
+        files.AddFolder(u"Z:\\many\\" + std::u16string(1, static_cast<char16_t>(0x4E00 + i)));
+    EXPECT_EQ(Complete(u"/many/").size(), 1 + CComplementComboBox::kMaxCandidates + 1) << "enough is enough";
 }
 
 TEST_F(ComplementComboBoxTest, RelativeTextsCountFromBaseAndDropFolder) {
@@ -156,12 +137,6 @@ TEST_F(ComplementComboBoxTest, RelativeTextsCountFromBaseAndDropFolder) {
     EXPECT_THAT(Complete(u"ins"), ElementsAre(u"/down/inside/"));
     EXPECT_THAT(Complete(u"\\ins"), ElementsAre(u"/down/inside/"));
     EXPECT_THAT(Complete(u"/o"), ElementsAre(u"/opt/"));
-}
-
-TEST_F(ComplementComboBoxTest, CollectingStopsSoonAfterFiveThousand) {
-    for (int i = 0; i < 5200; ++i)
-        disk.AddFolder(u"Z:\\many\\" + texts.ToInner(std::u16string(1, static_cast<char16_t>(0x4E00 + i))));
-    EXPECT_EQ(Complete(u"/many/").size(), 1 + CComplementComboBox::kMaxCandidates + 1);
 }
 
 TEST_F(ComplementComboBoxTest, LongTextsAreShownShortenedAndTakenWhole) {
@@ -202,16 +177,21 @@ TEST_F(ComplementComboBoxTest, KeysOfAnOpenListStepChooseAndLeave) {
     EXPECT_TRUE(Press(Plain(BoxKey::kEnter)));
     EXPECT_FALSE(view.isOpen);
     EXPECT_EQ(view.text, u"/home/me/pi") << "nothing was selected";
+
+    Complete(u"/home/me/pi");
+    ASSERT_TRUE(view.isOpen);
+    view.Type(u"/home/me/pix");
+    EXPECT_FALSE(view.isOpen) << "it no longer fits";
+    EXPECT_EQ(view.text, u"/home/me/pix");
 }
 
 TEST_F(ComplementComboBoxTest, KeysOfAClosedListEditTheText) {
-    struct Case {
+    const struct {
         BoxKeyPress press;
         std::u16string before;
         TextSelection selection;
         std::u16string after;
-    };
-    const Case cases[] = {
+    } cases[] = {
         {Plain(BoxKey::kPageUp), u"C:\\a\\b\\file.txt", {0, 0}, u"C:\\a\\b\\"},
         {Ctrl(BoxKey::kBackspace), u"C:\\a\\b\\", {0, 0}, u"C:\\a\\b"},
         {Ctrl(BoxKey::kK), u"C:\\a\\b", {0, 0}, u"C:\\a\\"},
@@ -228,11 +208,11 @@ TEST_F(ComplementComboBoxTest, KeysOfAClosedListEditTheText) {
         {Ctrl(BoxKey::kL), u"/home/me", {8, 8}, u"/home/me"},
         {Ctrl(BoxKey::kL), u"/home/me", {0, 0}, u""},
     };
-    for (const Case& c : cases) {
-        view.Type(c.before);
-        view.selection = c.selection;
-        EXPECT_TRUE(Press(c.press));
-        EXPECT_EQ(view.text, c.after);
+    for (const auto& one : cases) {
+        view.Type(one.before);
+        view.selection = one.selection;
+        EXPECT_TRUE(Press(one.press));
+        EXPECT_EQ(view.text, one.after);
         EXPECT_TRUE(view.IsCaretAtEnd());
     }
 }
@@ -243,9 +223,8 @@ TEST_F(ComplementComboBoxTest, WhatAKeyDoesDependsOnSwitchesAndModifiers) {
     EXPECT_EQ(view.text, u"/op");
     box.m_bTabComplete = true;
     for (const BoxKeyPress& press :
-         {Shift(BoxKey::kTab), Ctrl(BoxKey::kTab), BoxKeyPress{BoxKey::kTab, false, false, true},
-          BoxKeyPress{BoxKey::kDown, false, false, true}, Plain(BoxKey::kBackspace), Plain(BoxKey::kSpace),
-          Plain(BoxKey::kH), Plain(BoxKey::kOther)}) {
+         {Shift(BoxKey::kTab), Ctrl(BoxKey::kTab), Alt(BoxKey::kTab), Alt(BoxKey::kDown), Plain(BoxKey::kBackspace),
+          Plain(BoxKey::kSpace), Plain(BoxKey::kH), Plain(BoxKey::kOther)}) {
         EXPECT_FALSE(Press(press));
         EXPECT_EQ(view.text, u"/op");
     }
@@ -264,8 +243,7 @@ TEST_F(ComplementComboBoxTest, WhatAKeyDoesDependsOnSwitchesAndModifiers) {
 
     view.Type(u"/ho");
     box.OnDoubleClick();
-    EXPECT_TRUE(box.WaitForListing(kLong));
-    view.tasks.RunAll();
+    TakeAnswers();
     EXPECT_EQ(view.text, u"/home/");
 }
 
@@ -286,14 +264,6 @@ TEST_F(ComplementComboBoxTest, OpeningTheListShowsTheHistoryUnlessSomethingWasCo
     EXPECT_THAT(view.items, ElementsAre(u"/opt", u"D:\\other")) << "Up brings the history";
 }
 
-TEST_F(ComplementComboBoxTest, TypingClosesTheListAndStays) {
-    Complete(u"/home/me/pi");
-    ASSERT_TRUE(view.isOpen);
-    view.Type(u"/home/me/pix");
-    EXPECT_FALSE(view.isOpen);
-    EXPECT_EQ(view.text, u"/home/me/pix");
-}
-
 TEST_F(ComplementComboBoxTest, TheTextStaysAsTypedWhereItSaysTheSame) {
     view.Type(u"/home//me");
     view.selection = {3, 3};
@@ -305,56 +275,31 @@ TEST_F(ComplementComboBoxTest, TheTextStaysAsTypedWhereItSaysTheSame) {
 }
 
 TEST_F(ComplementComboBoxTest, DroppedFilesStandForTheirFolder) {
-    struct Case {
-        bool foldersOnly;
-        std::u16string dropped;
-        std::u16string text;
+    const auto drop = [this](std::u16string_view path) {
+        box.OnDropFiles(path);
+        return view.text;
     };
-    const Case cases[] = {
-        {true, u"D:\\Program.txt", u"D:\\"},
-        {true, u"D:\\Projects", u"D:\\Projects"},
-        {true, u"Z:\\home\\gone", u"/home/"},
-        {false, u"D:\\Program.txt", u"D:\\Program.txt"},
-    };
-    for (const Case& c : cases) {
-        box.m_bFoldersOnly = c.foldersOnly;
-        box.OnDropFiles(c.dropped);
-        EXPECT_EQ(view.text, c.text);
-    }
+    EXPECT_EQ(drop(u"D:\\Program.txt"), u"D:\\");
+    EXPECT_EQ(drop(u"D:\\Projects"), u"D:\\Projects");
+    EXPECT_EQ(drop(u"Z:\\home\\gone"), u"/home/");
+    box.m_bFoldersOnly = false;
+    EXPECT_EQ(drop(u"D:\\Program.txt"), u"D:\\Program.txt");
 }
 
 TEST_F(ComplementComboBoxTest, WhoTypesOnWhileASlowListingRunsIsNotDisturbed) {
-    files.Hold(true);
     view.Type(u"/home/me/pi");
-    EXPECT_TRUE(box.OnKey(kComplete));
-    EXPECT_TRUE(view.isBusy);
-    EXPECT_TRUE(box.OnKey(kComplete)) << "the key repeats";
-    view.Type(u"/home/yo");
-    EXPECT_FALSE(view.isBusy);
-    files.Hold(false);
-    ASSERT_TRUE(box.WaitForListing(kLong));
-    view.tasks.RunAll();
-    EXPECT_EQ(files.searches, 1);
+    CompleteSlowly([this] {
+        EXPECT_TRUE(box.OnKey(Plain(BoxKey::kDown))) << "the key repeats";
+        view.Type(u"/home/yo");
+        EXPECT_FALSE(view.isBusy);
+    });
     EXPECT_FALSE(view.isOpen);
     EXPECT_THAT(view.items, IsEmpty());
     EXPECT_EQ(view.text, u"/home/yo");
-
-    files.Hold(true);
-    EXPECT_TRUE(box.OnKey(kComplete));
-    box.OnKillFocus();
-    files.Hold(false);
-    ASSERT_TRUE(box.WaitForListing(kLong));
-    view.tasks.RunAll();
+    CompleteSlowly([this] { box.OnKillFocus(); });
     EXPECT_EQ(view.text, u"/home/yo") << "the keyboard was elsewhere";
-
-    files.Hold(true);
-    EXPECT_TRUE(box.OnKey(kComplete));
-    box.SetText(u"Z:\\opt");
-    files.Hold(false);
-    ASSERT_TRUE(box.WaitForListing(kLong));
-    view.tasks.RunAll();
+    CompleteSlowly([this] { box.SetText(u"Z:\\opt"); });
     EXPECT_EQ(view.text, u"/opt") << "the program put another folder there";
-    EXPECT_FALSE(view.isBusy);
 }
 
 }  // namespace

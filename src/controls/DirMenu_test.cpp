@@ -19,17 +19,19 @@ std::vector<std::string> Texts(const CDirMenuObj& menu) {
     return texts;
 }
 
-// Walks the menu as the test says.
+// What a user does with the menu; the command id that they choose.
+using Walk = std::function<uint16_t(CDirMenu& menu, CDirMenuObj& top)>;
+
 class WalkingView final : public DirMenuView {
   public:
-    explicit WalkingView(std::function<uint16_t(CDirMenu&, CDirMenuObj&)> walk) : walk_(std::move(walk)) {}
+    explicit WalkingView(Walk walk) : walk_(std::move(walk)) {}
     uint16_t TrackPopup(CDirMenu& menu, CDirMenuObj& top) override {
         menu.OnInitMenuPopup(top);
         return walk_(menu, top);
     }
 
   private:
-    std::function<uint16_t(CDirMenu&, CDirMenuObj&)> walk_;
+    Walk walk_;
 };
 
 CDirMenuObj& Open(CDirMenu& menu, const CDirMenuObj& above, size_t index) {
@@ -46,58 +48,46 @@ class DirMenuTest : public testing::Test {
             files.AddFile(file);
         files.AddFolder(u"Z:\\fav\\empty");
     }
+    std::u16string Choose(const char16_t* root, Walk walk) {
+        WalkingView view(std::move(walk));
+        return CDirMenu(files, root).ShowPopup(view);
+    }
+    // The same in a menu that holds just these.
+    std::u16string Choose(const char16_t* root, const std::vector<std::string>& texts, uint16_t id) {
+        return Choose(root, [&](CDirMenu&, CDirMenuObj& top) {
+            EXPECT_EQ(Texts(top), texts);
+            return id;
+        });
+    }
     MemoryFileSystem files;
 };
 
 TEST_F(DirMenuTest, FoldersComeFirstThenFilesWithoutWhatIsHidden) {
-    for (const char16_t* root : {u"Z:\\fav", u"Z:\\fav\\", u"Z:\\fav/"}) {
-        CDirMenu menu(files, root);
-        WalkingView view([](CDirMenu&, CDirMenuObj& top) {
-            EXPECT_THAT(Texts(top), ElementsAre("empty>", "Zed>", "A.txt 1", "b.txt 2"));
-            return 2;
-        });
-        EXPECT_EQ(menu.ShowPopup(view), u"Z:\\fav\\b.txt");
-    }
-    CDirMenu drive(files, u"Z:\\");
-    WalkingView view([](CDirMenu&, CDirMenuObj& top) {
-        EXPECT_THAT(Texts(top), ElementsAre("fav>", "top.txt 1"));
-        return 1;
-    });
-    EXPECT_EQ(drive.ShowPopup(view), u"Z:\\top.txt");
+    const std::vector<std::string> all = {"empty>", "Zed>", "A.txt 1", "b.txt 2"};
+    for (const char16_t* root : {u"Z:\\fav", u"Z:\\fav\\", u"Z:\\fav/"})
+        EXPECT_EQ(Choose(root, all, 2), u"Z:\\fav\\b.txt");
+    EXPECT_EQ(Choose(u"Z:\\", {"fav>", "top.txt 1"}, 1), u"Z:\\top.txt");
+    for (const uint16_t noItem : {uint16_t{0}, uint16_t{3}, uint16_t{65535}})
+        EXPECT_EQ(Choose(u"Z:\\fav", all, noItem), u"");
+    EXPECT_EQ(Choose(u"Z:\\gone", {}, 0), u"");
+    files.DenyFolder(u"Z:\\fav");
+    EXPECT_EQ(Choose(u"Z:\\fav", {}, 0), u"");
 }
 
 TEST_F(DirMenuTest, SubMenusAreReadWhenTheyOpenAndEmptyOnesAgain) {
-    CDirMenu menu(files, u"Z:\\fav");
-    WalkingView view([this](CDirMenu& shown, CDirMenuObj& top) {
+    const std::u16string chosen = Choose(u"Z:\\fav", [this](CDirMenu& menu, CDirMenuObj& top) {
         const CDirMenuObj& zed = *top.Items()[1].subMenu;
         EXPECT_THAT(Texts(zed), IsEmpty());
         files.AddFile(u"Z:\\fav\\Zed\\late.txt");
-        EXPECT_THAT(Texts(Open(shown, top, 1)), ElementsAre("deep>", "late.txt 3"));
+        EXPECT_THAT(Texts(Open(menu, top, 1)), ElementsAre("deep>", "late.txt 3"));
         files.AddFile(u"Z:\\fav\\Zed\\later.txt");
-        EXPECT_THAT(Texts(Open(shown, top, 1)), ElementsAre("deep>", "late.txt 3")) << "read once is enough";
-        EXPECT_THAT(Texts(Open(shown, top, 0)), IsEmpty());
+        EXPECT_THAT(Texts(Open(menu, top, 1)), ElementsAre("deep>", "late.txt 3")) << "read once is enough";
+        EXPECT_THAT(Texts(Open(menu, top, 0)), IsEmpty());
         files.AddFile(u"Z:\\fav\\empty\\new.txt");
-        EXPECT_THAT(Texts(Open(shown, top, 0)), ElementsAre("new.txt 4"));
-        return Open(shown, zed, 0).Items()[0].commandId;
+        EXPECT_THAT(Texts(Open(menu, top, 0)), ElementsAre("new.txt 4"));
+        return Open(menu, zed, 0).Items()[0].commandId;
     });
-    EXPECT_EQ(menu.ShowPopup(view), u"Z:\\fav\\Zed\\deep\\x.txt");
-}
-
-TEST_F(DirMenuTest, NothingChosenAndNothingThereGiveNothing) {
-    for (const uint16_t id : {uint16_t{0}, uint16_t{3}, uint16_t{65535}}) {
-        CDirMenu menu(files, u"Z:\\fav");
-        WalkingView view([id](CDirMenu&, CDirMenuObj&) { return id; });
-        EXPECT_EQ(menu.ShowPopup(view), u"");
-    }
-    files.DenyFolder(u"Z:\\fav");
-    for (const char16_t* root : {u"Z:\\fav", u"Z:\\gone"}) {
-        CDirMenu menu(files, root);
-        WalkingView view([](CDirMenu&, CDirMenuObj& top) {
-            EXPECT_THAT(Texts(top), IsEmpty());
-            return 0;
-        });
-        EXPECT_EQ(menu.ShowPopup(view), u"");
-    }
+    EXPECT_EQ(chosen, u"Z:\\fav\\Zed\\deep\\x.txt");
 }
 
 TEST_F(DirMenuTest, APopupOffersAsManyFilesAsThereAreCommandIds) {
@@ -106,14 +96,13 @@ TEST_F(DirMenuTest, APopupOffersAsManyFilesAsThereAreCommandIds) {
         files.AddFile(u"Z:\\many\\" + name);
         files.AddFile(u"Z:\\many\\sub\\" + name);
     }
-    CDirMenu menu(files, u"Z:\\many");
-    WalkingView view([](CDirMenu& shown, CDirMenuObj& top) {
+    const std::u16string chosen = Choose(u"Z:\\many", [](CDirMenu& menu, CDirMenuObj& top) {
         EXPECT_EQ(top.Items().size(), 35001u);
-        const CDirMenuObj& sub = Open(shown, top, 0);
+        const CDirMenuObj& sub = Open(menu, top, 0);
         EXPECT_EQ(sub.Items().size(), CDirMenu::kMaxItems - 35000);
         return sub.Items().back().commandId;
     });
-    EXPECT_EQ(menu.ShowPopup(view).substr(0, 12), u"Z:\\many\\sub\\");
+    EXPECT_EQ(chosen.substr(0, 12), u"Z:\\many\\sub\\");
 }
 
 }  // namespace

@@ -1,6 +1,7 @@
 // The queue of a user interface that runs when a test says so.
 #pragma once
 
+#include <condition_variable>
 #include <deque>
 #include <functional>
 #include <mutex>
@@ -14,6 +15,15 @@ class PostedTasks {
     void Post(std::function<void()> task) {
         const std::lock_guard lock(mutex_);
         tasks_.push_back(std::move(task));
+        arrived_.notify_one();
+    }
+    // Waits for a task where there is none.
+    void RunNext() {
+        {
+            std::unique_lock lock(mutex_);
+            arrived_.wait(lock, [this] { return !tasks_.empty(); });
+        }
+        Take()();
     }
     // Runs what was posted, also by the tasks themselves; how many that were.
     int RunAll() {
@@ -33,6 +43,7 @@ class PostedTasks {
     }
 
     std::mutex mutex_;
+    std::condition_variable arrived_;
     std::deque<std::function<void()>> tasks_;
 };
 
