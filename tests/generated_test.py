@@ -45,6 +45,10 @@ class Generated(Workshop):
         self.assertEqual(self.complete("settings", "ex"), ["export"])
         self.assertEqual(self.complete("settings", "import", "so"), ["source", "so file"])
         self.assertEqual(self.complete("settings", "--ty"), ["--type"])
+        self.assertEqual(self.complete("settings", "get", "--"), ["--json", "--quiet", "--help"])
+        self.assertEqual(self.complete("script", "--trace", "run", "--tr"), ["--trace"])
+        self.assertEqual(self.complete("script", "check", "--tr"), [""])
+        self.assertEqual(self.complete("script", "run", "--cwd", "so"), ["source"])
         self.assertEqual(self.complete("integrate", "nemo", "n"), ["nemo", "nautilus"])
 
 

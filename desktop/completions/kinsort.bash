@@ -1,6 +1,7 @@
 # bash completion for kinsort
 _kinsort() {
-    local current=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD-1]} verb=${COMP_WORDS[1]}
+    local current=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD-1]} command=${COMP_WORDS[1]}
+    local word options= operands=()
     COMPREPLY=()
     [[ $current == = ]] && current=
     [[ $before == = ]] && before=${COMP_WORDS[COMP_CWORD-2]}
@@ -8,119 +9,48 @@ _kinsort() {
         mapfile -t COMPREPLY < <(compgen -W 'plan sort open undo redo history recover settings script integrate host help completion --help --version' -- "$current")
         return
     fi
-    compopt -o filenames 2>/dev/null
+    for word in "${COMP_WORDS[@]:2:COMP_CWORD-2}"; do
+        case "$command $word" in
+        'settings get' | 'settings set' | 'settings unset' | 'settings list' | 'settings export' | 'settings import' | 'script run' | 'script check' | 'host listen') command+=" $word" ;;
+        esac
+    done
     case $before in
-    --to | -t)
-        mapfile -t COMPREPLY < <(compgen -d -- "$current")
-        return ;;
-    --other-tab)
-        mapfile -t COMPREPLY < <(compgen -d -- "$current")
-        return ;;
-    --on-conflict)
-        mapfile -t COMPREPLY < <(compgen -W 'ask skip replace keep-both' -- "$current")
-        return ;;
-    --files-from | -f)
-        mapfile -t COMPREPLY < <(compgen -f -- "$current")
-        return ;;
-    --min-score)
-        return ;;
-    --threads | -j)
-        return ;;
-    --durability)
-        mapfile -t COMPREPLY < <(compgen -W 'journal content' -- "$current")
-        return ;;
-    --type)
-        mapfile -t COMPREPLY < <(compgen -W 'string dword binary' -- "$current")
-        return ;;
-    --select)
-        mapfile -t COMPREPLY < <(compgen -f -- "$current")
-        return ;;
-    --cwd)
-        mapfile -t COMPREPLY < <(compgen -d -- "$current")
-        return ;;
-    --other)
-        mapfile -t COMPREPLY < <(compgen -d -- "$current")
-        return ;;
-    --set)
-        return ;;
-    --class)
-        return ;;
+    --to | -t | --other-tab | --cwd | --other) operands=(-d) ;;
+    --files-from | -f | --select) operands=(-f) ;;
+    --min-score | --threads | -j) ;;
+    --set | --class) ;;
+    --on-conflict) operands=(-W 'ask skip replace keep-both') ;;
+    --durability) operands=(-W 'journal content') ;;
+    --type) operands=(-W 'string dword binary') ;;
+    *)
+        case $command in
+        plan) options='--to --files-from --scores --min-score --threads --json --quiet --help' operands=(-f) ;;
+        sort) options='--to --copy --move --on-conflict --dry-run --files-from --scores --min-score --threads --durability --json --quiet --help' operands=(-f) ;;
+        open) options='--to --other-tab --copy --move --files-from --no-wait --quiet --help' operands=(-f) ;;
+        undo) options='--notify --json --quiet --help' ;;
+        redo) options='--notify --json --quiet --help' ;;
+        history) options='--json --help' ;;
+        recover) options='--finish --undo --leave --json --quiet --help' ;;
+        settings) options='--type --json --quiet --help' operands=(-W 'get set unset list export import') ;;
+        'settings get') options='--json --quiet --help' ;;
+        'settings set') options='--type --quiet --help' operands=(-f) ;;
+        'settings unset') options='--quiet --help' ;;
+        'settings list') options='--json --quiet --help' ;;
+        'settings export') options='--json --quiet --help' ;;
+        'settings import') options='--quiet --help' operands=(-f) ;;
+        script) options='--select --cwd --other --set --yes --no --trace --dry-run --json --help' operands=(-W 'run check') ;;
+        'script run') options='--select --cwd --other --set --yes --no --trace --dry-run --help' operands=(-f) ;;
+        'script check') options='--json --help' operands=(-f) ;;
+        integrate) options='--remove --dry-run --quiet --help' operands=(-W 'menu kde nemo nautilus caja thunar') ;;
+        host) options='--class --open --json --quiet --help' operands=(-W 'listen') ;;
+        'host listen') options='--class --open --json --quiet --help' ;;
+        help) options='--help' operands=(-W 'plan sort open undo redo history recover settings script integrate host help completion') ;;
+        completion) options='--help' operands=(-W 'bash zsh fish') ;;
+        esac
+        [[ $current == -* ]] && operands=(-W "$options")
+        ;;
     esac
-    case $verb in
-    plan)
-        if [[ $current == -* ]]; then
-            mapfile -t COMPREPLY < <(compgen -W '--to --files-from --scores --min-score --threads --json --quiet --help' -- "$current")
-        else
-            mapfile -t COMPREPLY < <(compgen -f -- "$current")
-        fi ;;
-    sort)
-        if [[ $current == -* ]]; then
-            mapfile -t COMPREPLY < <(compgen -W '--to --copy --move --on-conflict --dry-run --files-from --scores --min-score --threads --durability --json --quiet --help' -- "$current")
-        else
-            mapfile -t COMPREPLY < <(compgen -f -- "$current")
-        fi ;;
-    open)
-        if [[ $current == -* ]]; then
-            mapfile -t COMPREPLY < <(compgen -W '--to --other-tab --copy --move --files-from --no-wait --quiet --help' -- "$current")
-        else
-            mapfile -t COMPREPLY < <(compgen -f -- "$current")
-        fi ;;
-    undo)
-        if [[ $current == -* ]]; then
-            mapfile -t COMPREPLY < <(compgen -W '--notify --json --quiet --help' -- "$current")
-        fi ;;
-    redo)
-        if [[ $current == -* ]]; then
-            mapfile -t COMPREPLY < <(compgen -W '--notify --json --quiet --help' -- "$current")
-        fi ;;
-    history)
-        if [[ $current == -* ]]; then
-            mapfile -t COMPREPLY < <(compgen -W '--json --help' -- "$current")
-        fi ;;
-    recover)
-        if [[ $current == -* ]]; then
-            mapfile -t COMPREPLY < <(compgen -W '--finish --undo --leave --json --quiet --help' -- "$current")
-        fi ;;
-    settings)
-        if [[ $current == -* ]]; then
-            mapfile -t COMPREPLY < <(compgen -W '--type --json --quiet --help' -- "$current")
-        elif ((COMP_CWORD == 2)); then
-            mapfile -t COMPREPLY < <(compgen -W 'get set unset list export import' -- "$current")
-        elif [[ ${COMP_WORDS[2]} == @(set|import) ]]; then
-            mapfile -t COMPREPLY < <(compgen -f -- "$current")
-        fi ;;
-    script)
-        if [[ $current == -* ]]; then
-            mapfile -t COMPREPLY < <(compgen -W '--select --cwd --other --set --yes --no --trace --dry-run --json --help' -- "$current")
-        elif ((COMP_CWORD == 2)); then
-            mapfile -t COMPREPLY < <(compgen -W 'run check' -- "$current")
-        elif [[ ${COMP_WORDS[2]} == @(run|check) ]]; then
-            mapfile -t COMPREPLY < <(compgen -f -- "$current")
-        fi ;;
-    integrate)
-        if [[ $current == -* ]]; then
-            mapfile -t COMPREPLY < <(compgen -W '--remove --dry-run --quiet --help' -- "$current")
-        else
-            mapfile -t COMPREPLY < <(compgen -W 'menu kde nemo nautilus caja thunar' -- "$current")
-        fi ;;
-    host)
-        if [[ $current == -* ]]; then
-            mapfile -t COMPREPLY < <(compgen -W '--class --open --json --quiet --help' -- "$current")
-        elif ((COMP_CWORD == 2)); then
-            mapfile -t COMPREPLY < <(compgen -W 'listen' -- "$current")
-        fi ;;
-    help)
-        if [[ $current == -* ]]; then
-            mapfile -t COMPREPLY < <(compgen -W '--help' -- "$current")
-        else
-            mapfile -t COMPREPLY < <(compgen -W 'plan sort open undo redo history recover settings script integrate host help completion' -- "$current")
-        fi ;;
-    completion)
-        if [[ $current == -* ]]; then
-            mapfile -t COMPREPLY < <(compgen -W '--help' -- "$current")
-        else
-            mapfile -t COMPREPLY < <(compgen -W 'bash zsh fish' -- "$current")
-        fi ;;
-    esac
+    [[ ${operands[0]} == -[df] ]] && compopt -o filenames
+    ((${#operands[@]})) && mapfile -t COMPREPLY < <(compgen "${operands[@]}" -- "$current")
 }
 complete -F _kinsort kinsort

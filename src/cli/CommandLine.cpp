@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <charconv>
 
+#include "cli/HelpTexts.h"
 #include "cli/Integration.h"
 
 namespace kinsort {
@@ -71,8 +72,11 @@ std::string CheckAction(const CommandLine& line) {
             return std::string(action->name) + " takes no " + Dashed(SpecOf(id));
     const size_t count = line.operands.size() - 1;
     if (line.Has(OptionId::kHelp) || (count >= action->minOperands && count <= action->maxOperands)) return {};
-    if (action->maxOperands == 0) return std::string(action->name) + " takes no '" + line.operands[1] + "'";
-    return std::string(action->name) + " takes " + std::string(action->operands);
+    const std::string name(action->name);
+    if (count < action->minOperands) return name + " takes " + std::string(action->operands);
+    const std::string& extra = line.operands[action->maxOperands + 1];
+    if (action->maxOperands == 0) return name + " takes no '" + extra + "'";
+    return name + " takes " + std::string(action->operands) + " and nothing behind it: leave out '" + extra + "'";
 }
 
 std::string CheckOperands(const CommandLine& line) {
@@ -89,7 +93,10 @@ std::string CheckOperands(const CommandLine& line) {
         }
         case OperandKind::kVerb:
         case OperandKind::kShell:
-            return count <= 1 ? "" : "takes one name";
+            if (count > 1) return "takes one name";
+            if (count == 0 || line.verb->operand == OperandKind::kVerb || IsChoice(kCompletionShells, line.operands[0]))
+                return {};
+            return "takes " + ListOfChoices(kCompletionShells) + ", not '" + line.operands[0] + "'";
         case OperandKind::kAction:
             return CheckAction(line);
         case OperandKind::kIntegrations:

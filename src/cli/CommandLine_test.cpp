@@ -83,6 +83,8 @@ TEST(CommandLine, SaysWhatIsWrong) {
         {{"recover", "--finish", "--undo"}, "recover: choose one of --finish, --undo and --leave"},
         {{"integrate", "menu", "x"}, "integrate: takes menu, kde, nemo, nautilus, caja or thunar, not 'x'"},
         {{"help", "a", "b"}, "help: takes one name"},
+        {{"completion", "csh"}, "completion: takes bash, zsh or fish, not 'csh'"},
+        {{"script", "run", "f", "g"}, "script: run takes FILE and nothing behind it: leave out 'g'"},
         {{"script", "run", "f", "--json"}, "script: run takes no --json"},
         {{"script", "--trace", "check", "f"}, "script: check takes no --trace"},
         {{"script", "--dry-run", "--json"}, "script: say what to do: run or check"},

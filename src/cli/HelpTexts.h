@@ -49,7 +49,8 @@ std::string WrapText(std::string_view text, size_t indent, size_t columns);
 // The manual page in the man format; `version` is the program's.
 std::string ManualPage(std::string_view version);
 
-// The completion script for "bash", "zsh" or "fish"; empty for another shell.
+inline constexpr std::string_view kCompletionShells = "bash|zsh|fish";
+// The completion script for one of them; empty for another shell.
 std::string CompletionScript(std::string_view shell);
 
 }  // namespace kinsort

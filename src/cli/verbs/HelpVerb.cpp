@@ -25,12 +25,11 @@ ExitCode RunHelp(CliContext& context, const CommandLine& line) {
 }
 
 ExitCode RunCompletion(CliContext& context, const CommandLine& line) {
-    const std::string script = line.operands.empty() ? "" : CompletionScript(line.operands[0]);
-    if (script.empty()) {
-        context.console.Say("completion: name a shell: bash, zsh or fish");
+    if (line.operands.empty()) {
+        context.console.Say("completion: name a shell: " + ListOfChoices(kCompletionShells));
         return ExitCode::kUsage;
     }
-    context.console.Print(script);
+    context.console.Print(CompletionScript(line.operands[0]));
     return ExitCode::kDone;
 }
 
