@@ -1,7 +1,8 @@
-// What the verbs print with: results to standard output, everything else to standard error.
+// What the verbs print and ask with: results to standard output, everything else to standard error.
 #pragma once
 
 #include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -27,6 +28,12 @@ class Console {
     // Bytes for standard error as they are (progress, questions).
     void PutMessage(std::string_view bytes);
 
+    // What somebody types as an answer, without blanks around it; nothing after Ctrl-C and at the end of input.
+    std::optional<std::string> ReadReply();
+    // Asks until the reply begins with one of the letters ("t|s|c"), in small or capital; that letter, in small. 0
+    // after Ctrl-C and at the end of input.
+    char AskLetter(std::string_view question, std::string_view letters);
+
     void SetQuiet(bool isQuiet) { isQuiet_ = isQuiet; }
     bool isQuiet() const { return isQuiet_; }
 
@@ -36,7 +43,6 @@ class Console {
     bool IsColoured(Stream stream) const { return terminal_.IsTerminal(stream) && allowsColour_; }
     // Whether somebody can be asked.
     bool CanAsk() const { return terminal_.IsTerminal(Stream::kInput) && terminal_.IsTerminal(Stream::kMessages); }
-    Terminal& terminal() { return terminal_; }
 
   private:
     Terminal& terminal_;

@@ -1,11 +1,12 @@
 #include "cli/ConsoleAsker.h"
 
-#include <algorithm>
 #include <array>
 
 #include "cli/ShownText.h"
 #include "cli/Texts.h"
 #include "text/Amounts.h"
+#include "text/AsciiCase.h"
+#include "text/Utf8.h"
 
 namespace kinsort {
 namespace {
@@ -22,18 +23,6 @@ constexpr std::array<AnswerWord, 4> kAnswers = {{
     {"cancel", ConflictAnswer::kCancel},
 }};
 
-char LowerAscii(char c) {
-    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-}
-
-std::string_view Trim(std::string_view text) {
-    while (!text.empty() && (text.back() == ' ' || text.back() == '\r'))
-        text.remove_suffix(1);
-    while (!text.empty() && text.front() == ' ')
-        text.remove_prefix(1);
-    return text;
-}
-
 std::string_view KindText(FileKind kind) {
     constexpr std::array<std::string_view, 4> kTexts = {"file", "folder", "link", "special file"};
     return kTexts[static_cast<size_t>(kind)];
@@ -42,10 +31,8 @@ std::string_view KindText(FileKind kind) {
 }  // namespace
 
 bool ReadConflictReply(std::string_view typed, bool canReplace, ConflictReply& reply) {
-    typed = Trim(typed);
     bool isForAll = !typed.empty() && typed[0] >= 'A' && typed[0] <= 'Z';
-    std::string text(typed);
-    std::transform(text.begin(), text.end(), text.begin(), LowerAscii);
+    std::string text = ToUtf8(AsciiLower(FromUtf8(typed)));
     for (const std::string_view suffix : {" all", " a"}) {
         if (!text.ends_with(suffix)) continue;
         isForAll = true;
@@ -91,35 +78,26 @@ ConflictReply ConsoleAsker::AskConflict(const Conflict& conflict) {
                                                       : "";
     question += choices + "[s]kip, [k]eep both, [c]ancel; a capital letter answers for all: ";
     context_.console.PutMessage(question);
-    for (;;) {
-        const Result<std::string> typed = context_.services.terminal.ReadLine();
-        if (!typed.ok()) {
-            context_.console.PutMessage("\n");
-            return {ConflictAnswer::kCancel, AnswerScope::kAllInBatch};
-        }
+    while (const std::optional<std::string> typed = context_.console.ReadReply()) {
         ConflictReply reply;
         if (ReadConflictReply(*typed, conflict.canReplace, reply)) return reply;
         context_.console.PutMessage(conflict.canReplace ? "Please type r, s, k or c: " : "Please type s, k or c: ");
     }
+    return {ConflictAnswer::kCancel, AnswerScope::kAllInBatch};
 }
 
 FailureAnswer ConsoleAsker::AskFailure(const std::u16string& path, const Status& why) {
     if (!context_.console.CanAsk()) return FailureAnswer::kSkip;
     progress_.Clear();
-    context_.console.PutMessage(context_.ShownPath(path) + ": " + StatusText(why) +
-                                "\n[t]ry again, [s]kip this item, [c]ancel: ");
-    for (;;) {
-        const Result<std::string> typed = context_.services.terminal.ReadLine();
-        if (!typed.ok()) {
-            context_.console.PutMessage("\n");
+    const std::string question =
+        context_.ShownPath(path) + ": " + StatusText(why) + "\n[t]ry again, [s]kip this item, [c]ancel: ";
+    switch (context_.console.AskLetter(question, "t|s|c")) {
+        case 't':
+            return FailureAnswer::kRetry;
+        case 's':
+            return FailureAnswer::kSkip;
+        default:
             return FailureAnswer::kCancel;
-        }
-        const std::string_view answer = Trim(*typed);
-        const char letter = answer.empty() ? '\0' : LowerAscii(answer[0]);
-        if (letter == 't') return FailureAnswer::kRetry;
-        if (letter == 's') return FailureAnswer::kSkip;
-        if (letter == 'c') return FailureAnswer::kCancel;
-        context_.console.PutMessage("Please type t, s or c: ");
     }
 }
 

@@ -10,8 +10,9 @@
 
 namespace kinsort {
 
-// Reads an answer to a conflict: r, s, k or c, or the whole word; a capital letter, or "all" or "a" behind it, makes it
-// count for the rest of the batch. False when it is none of these, or when it says replace and `canReplace` is false.
+// Reads an answer to a conflict, no blanks around it: r, s, k or c, or the whole word; a capital letter, or "all" or
+// "a" behind it, makes it count for the rest of the batch. False when it is none of these, or when it says replace and
+// `canReplace` is false.
 bool ReadConflictReply(std::string_view typed, bool canReplace, ConflictReply& reply);
 
 class ConsoleAsker : public AskUserAction {

@@ -18,7 +18,6 @@ TEST(ReadConflictReply, TakesLettersWordsAndForAll) {
     const Case cases[] = {
         {"r", ConflictAnswer::kReplace, AnswerScope::kThisOne},
         {"R", ConflictAnswer::kReplace, AnswerScope::kAllInBatch},
-        {" s \r", ConflictAnswer::kSkip, AnswerScope::kThisOne},
         {"skip", ConflictAnswer::kSkip, AnswerScope::kThisOne},
         {"Skip", ConflictAnswer::kSkip, AnswerScope::kAllInBatch},
         {"skip all", ConflictAnswer::kSkip, AnswerScope::kAllInBatch},

@@ -8,6 +8,7 @@
 #include "cli/ItemList.h"
 #include "cli/ShownText.h"
 #include "cli/Texts.h"
+#include "text/AsciiCase.h"
 #include "text/Utf8.h"
 
 namespace kinsort {
@@ -66,13 +67,6 @@ const Button& ButtonForClosing(MessageButtons buttons) {
     return FirstOf(buttons, {MessageAnswer::kCancel, MessageAnswer::kNo, MessageAnswer::kAbort});
 }
 
-std::string LowerCase(std::string_view text) {
-    std::string out(text);
-    for (char& c : out)
-        if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
-    return out;
-}
-
 std::string Text(std::u16string_view text) {
     return ShownLines(ToUtf8(text));
 }
@@ -88,7 +82,7 @@ std::string Choices(MessageButtons buttons) {
 }  // namespace
 
 std::optional<MessageAnswer> ReadBoxReply(std::string_view typed, MessageButtons buttons) {
-    const std::string reply = LowerCase(typed);
+    const std::string reply = ToUtf8(AsciiLower(FromUtf8(typed)));
     std::optional<MessageAnswer> found;
     for (const Button& button : ButtonsOf(buttons)) {
         if (reply.empty() || !button.word.starts_with(reply)) continue;
@@ -96,19 +90,6 @@ std::optional<MessageAnswer> ReadBoxReply(std::string_view typed, MessageButtons
         found = button.answer;
     }
     return found;
-}
-
-std::optional<std::string> ConsoleUserInterface::ReadReply() {
-    Result<std::string> typed = context_.services.terminal.ReadLine();
-    if (!typed.ok()) {
-        context_.console.PutMessage("\n");
-        return std::nullopt;
-    }
-    const auto isBlank = [](char c) { return c == ' ' || c == '\t' || c == '\r'; };
-    std::string& text = *typed;
-    text.erase(std::find_if_not(text.rbegin(), text.rend(), isBlank).base(), text.end());
-    text.erase(text.begin(), std::find_if_not(text.begin(), text.end(), isBlank));
-    return text;
 }
 
 MessageAnswer ConsoleUserInterface::ShowMessage(const MessageRequest& request) {
@@ -127,12 +108,11 @@ MessageAnswer ConsoleUserInterface::ShowMessage(const MessageRequest& request) {
         console.PutMessage(std::string(button.word) + (isForced ? " (nobody to ask; see --yes and --no)\n" : "\n"));
         return button.answer;
     }
-    for (;;) {
-        const std::optional<std::string> typed = ReadReply();
-        if (!typed) return ButtonForClosing(request.buttons).answer;
+    while (const std::optional<std::string> typed = console.ReadReply()) {
         if (const auto answer = ReadBoxReply(*typed, request.buttons)) return *answer;
         console.PutMessage("Please type " + Choices(request.buttons) + ": ");
     }
+    return ButtonForClosing(request.buttons).answer;
 }
 
 std::optional<size_t> ConsoleUserInterface::ChooseOne(const ChoiceRequest& request) {
@@ -146,7 +126,7 @@ std::optional<size_t> ConsoleUserInterface::ChooseOne(const ChoiceRequest& reque
         return policy_ == AnswerPolicy::kYes ? std::optional<size_t>(0) : std::nullopt;
     }
     for (;;) {
-        const std::optional<std::string> typed = ReadReply();
+        const std::optional<std::string> typed = console.ReadReply();
         if (!typed || typed->empty()) return std::nullopt;
         size_t number = 0;
         const auto [end, error] = std::from_chars(typed->data(), typed->data() + typed->size(), number);
@@ -164,7 +144,7 @@ std::optional<std::u16string> ConsoleUserInterface::BrowseForFolder(const Folder
         return std::nullopt;
     }
     for (;;) {
-        const std::optional<std::string> typed = ReadReply();
+        const std::optional<std::string> typed = console.ReadReply();
         if (!typed || typed->empty()) return std::nullopt;
         const Result<std::u16string> folder = ResolveTyped(context_, *typed);
         const uint32_t attributes = folder.ok() ? context_.services.files.GetAttributes(*folder) : kInvalidAttributes;

@@ -35,9 +35,6 @@ class ConsoleUserInterface final : public UserInterface {
     void BringToForeground(WindowHandle) override {}
 
   private:
-    // What is typed, trimmed; nothing after Ctrl-C and at the end of input.
-    std::optional<std::string> ReadReply();
-
     CliContext& context_;
     AnswerPolicy policy_;
     std::u16string clipboard_;

@@ -16,21 +16,17 @@ Choice AskChoice(CliContext& context, const BatchSummary& batch) {
     const std::string what = "atch " + std::to_string(batch.id) + " of " + FormatLocalTime(batch.startedNs) + " (" +
                              (batch.isMove ? "move" : "copy") + " into " + context.ShownPath(batch.searchFolder) +
                              ") was interrupted";
-    context.console.PutMessage(
+    const std::string question =
         batch.isUndoTorn
             ? "Taking back b" + what + ".\n[f]inish taking it back, [u]ndo that so that the batch stands, [l]eave: "
-            : "B" + what + " after " + Counted(batch.done, "item") + ".\n[f]inish, [u]ndo, [l]eave: ");
-    for (;;) {
-        const Result<std::string> typed = context.services.terminal.ReadLine();
-        if (!typed.ok()) {
-            context.console.PutMessage("\n");
+            : "B" + what + " after " + Counted(batch.done, "item") + ".\n[f]inish, [u]ndo, [l]eave: ";
+    switch (context.console.AskLetter(question, "f|u|l")) {
+        case 'f':
+            return Choice::kFinish;
+        case 'u':
+            return Choice::kUndo;
+        default:
             return Choice::kLeave;
-        }
-        const char letter = typed->empty() ? '\0' : (*typed)[0];
-        if (letter == 'f' || letter == 'F') return Choice::kFinish;
-        if (letter == 'u' || letter == 'U') return Choice::kUndo;
-        if (letter == 'l' || letter == 'L') return Choice::kLeave;
-        context.console.PutMessage("Please type f, u or l: ");
     }
 }
 
