@@ -104,7 +104,8 @@ class Plan(Workshop):
                  f"{self.target}: there are no sub-folders to sort into; create some, or choose another folder with --to"),
                 ((file,), 2, "plan: name the folder whose sub-folders the items go into: --to DIR"),
                 (("--to", self.source), 2, "no items: name files or folders, or give a list with --files-from"),
-                (("--to", self.source, "-f", "-"), 3, "the list of items is empty; there is nothing to do"),
+                (("--to", self.source, "-f", "-"), 3,
+                 "--files-from -: the list of items is empty; there is nothing to do"),
                 (("--to", self.source, "-f", "none"), 3,
                  "--files-from none: it does not exist; check the name and the folder"),
         ]:

@@ -54,17 +54,19 @@ class Script(Workshop):
                 self.assertEqual(self.run_script(*lines, code=code).messages, messages)
         self.run_script("messageboxyn=Go on?", options=["--yes"])
         self.run_script("messageboxyn=Go on?", options=["--no"], code=1)
-        self.run_kinsort("script", "run", "no.ecs", code=3)
+        self.assertEqual(self.run_kinsort("script", "run", "no.ecs", code=3).messages,
+                         "kinsort: script: no.ecs: it does not exist; check the name and the folder\n")
 
     def test_bad_command_lines_say_what_is_wrong(self):
         script = self.write("exit")
         cases = [
             (["script", "run"], "script: run takes FILE"),
             (["script", "run", script, "--yes", "--no"], "choose one of --yes and --no"),
-            (["script", "run", script, "--set", "x"], "script: --set x: write --set NAME=VALUE"),
+            (["script", "run", script, "--set", "x"], "--set x: write --set NAME=VALUE"),
             (["script", "run", script, "--set", "goto=1"], "This word is reserved"),
             (["script", "run", script, "--set", "count=1", "--set", "countA=1"], "It is contained in the variable"),
-            (["script", "run", script, "--cwd", "nowhere"], "script: nowhere: there is no such folder"),
+            (["script", "run", script, "--cwd", "nowhere"],
+             "--cwd nowhere: there is no such folder, or it cannot be read; check the path"),
         ]
         for arguments, message in cases:
             with self.subTest(arguments):

@@ -47,22 +47,18 @@ void WritePath(JsonWriter& json, const CliContext& context, std::string_view nam
         json.Path(name, context.NativePath(path));
         return;
     }
-    json.Key(name);
-    json.Null();
+    json.Null(name);
 }
 
 void WriteItemEnd(JsonWriter& json, std::string_view outcome, std::string_view reason, std::string_view message) {
-    json.Key("outcome");
-    json.String(outcome);
-    json.Key("reason");
-    json.String(reason);
-    json.Key("message");
-    json.String(message);
+    json.String("outcome", outcome);
+    json.String("reason", reason);
+    json.String("message", message);
     json.EndObject();
 }
 
 void WriteItems(JsonWriter& json, const CliContext& context, const BatchReport& report) {
-    json.BeginArray();
+    json.BeginArray("items");
     for (const ItemReport& item : report.result.reports) {
         json.BeginObject();
         WritePath(json, context, "item", item.source);
@@ -82,6 +78,15 @@ void WriteItems(JsonWriter& json, const CliContext& context, const BatchReport& 
         WriteItemEnd(json, "failed", StatusKeyword(item.why.code()), StatusText(item.why));
     }
     json.EndArray();
+}
+
+// Items that were passed over although nobody chose that: a pipe that cannot be copied.
+uint64_t SkippedAgainstTheWish(const BatchResult& result) {
+    return static_cast<uint64_t>(
+        std::count_if(result.reports.begin(), result.reports.end(), [](const ItemReport& item) {
+            return item.outcome == ItemOutcome::kSkipped && item.reason != ItemReason::kConflictSkipped &&
+                   item.reason != ItemReason::kDuplicate;
+        }));
 }
 
 }  // namespace
@@ -118,37 +123,27 @@ void WriteReport(JsonWriter& json, const CliContext& context, const BatchReport&
     const BatchResult& result = report.result;
     const BatchId id = HasSubject(report.action) ? report.subject : result.id;
     json.BeginObject();
-    json.Key("batch");
     if (id == 0) {
-        json.Null();
+        json.Null("batch");
     } else {
-        json.Number(id);
+        json.Number("batch", id);
     }
-    json.Key("action");
-    json.String(ActionKeyword(report.action));
-    const auto number = [&json](std::string_view name, uint64_t value) {
-        json.Key(name);
-        json.Number(value);
-    };
-    number("done", result.done);
-    number("skipped", result.skipped);
-    number("failed", result.failed + report.missing.size());
-    number("not_reached", result.notReached);
-    number("no_candidate", report.withoutCandidate.size());
-    json.Key("cancelled");
-    json.Bool(result.cancelled);
-    json.Key("error");
+    json.String("action", ActionKeyword(report.action));
+    json.Number("done", result.done);
+    json.Number("skipped", result.skipped);
+    json.Number("failed", result.failed + report.missing.size());
+    json.Number("not_reached", result.notReached);
+    json.Number("no_candidate", report.withoutCandidate.size());
+    json.Bool("cancelled", result.cancelled);
     if (result.status.ok()) {
-        json.Null();
+        json.Null("error");
     } else {
-        json.String(WholeFailureText(context, report));
+        json.String("error", WholeFailureText(context, report));
     }
-    json.Key("warnings");
-    json.BeginArray();
+    json.BeginArray("warnings");
     for (const BatchWarning warning : result.warnings)
         json.String(WarningText(warning));
     json.EndArray();
-    json.Key("items");
     WriteItems(json, context, report);
     json.EndObject();
 }
@@ -162,19 +157,6 @@ void PrintOrWriteReport(CliContext& context, const CommandLine& line, const Batc
     WriteReport(json, context, report);
     json.Finish();
 }
-
-namespace {
-
-// Items that were passed over although nobody chose that: a pipe that cannot be copied.
-uint64_t SkippedAgainstTheWish(const BatchResult& result) {
-    return static_cast<uint64_t>(
-        std::count_if(result.reports.begin(), result.reports.end(), [](const ItemReport& item) {
-            return item.outcome == ItemOutcome::kSkipped && item.reason != ItemReason::kConflictSkipped &&
-                   item.reason != ItemReason::kDuplicate;
-        }));
-}
-
-}  // namespace
 
 ExitCode ExitCodeOf(const BatchReport& report) {
     const BatchResult& result = report.result;

@@ -181,8 +181,10 @@ TEST(JsonWriter, EveryByteStringIsWellFormedAndExactWhereItCanBe) {
     }
     writer.BeginArray();
     writer.EndArray();
-    writer.Number(18446744073709551615U);
-    writer.Null();
+    writer.BeginObject();
+    writer.Number("most", 18446744073709551615U);
+    writer.Null("nothing");
+    writer.EndObject();
     writer.EndArray();
     writer.Finish();
     (void)context.console.Flush();
@@ -191,7 +193,7 @@ TEST(JsonWriter, EveryByteStringIsWellFormedAndExactWhereItCanBe) {
     EXPECT_EQ(parsed[1]["p_uri"], "file:///%FF%ED%A0%80");
     EXPECT_EQ(parsed[2], json({{"p", "/\uFFFD"}})) << "a name may hold U+FFFD itself";
     EXPECT_EQ(parsed[3], json::array());
-    EXPECT_EQ(parsed[4], 18446744073709551615U);
+    EXPECT_EQ(parsed[4], json({{"most", 18446744073709551615U}, {"nothing", nullptr}}));
 }
 
 }  // namespace

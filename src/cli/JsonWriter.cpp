@@ -30,6 +30,11 @@ void JsonWriter::BeginArray() {
     nesting_.push_back(Place::kArrayStart);
 }
 
+void JsonWriter::BeginArray(std::string_view name) {
+    Key(name);
+    BeginArray();
+}
+
 void JsonWriter::EndArray() {
     const bool isEmpty = nesting_.back() == Place::kArrayStart;
     console_.Print(isEmpty || layout_ == JsonLayout::kOneLine ? "]" : "\n]");
@@ -81,32 +86,37 @@ void JsonWriter::String(std::string_view utf8) {
     console_.Print(quoted + "\"");
 }
 
-void JsonWriter::Integer(int64_t value) {
-    BeforeValue();
-    console_.Print(std::to_string(value));
+void JsonWriter::String(std::string_view name, std::string_view utf8) {
+    Key(name);
+    String(utf8);
 }
 
-void JsonWriter::Number(uint64_t value) {
+void JsonWriter::Plain(std::string_view name, std::string_view value) {
+    Key(name);
     BeforeValue();
-    console_.Print(std::to_string(value));
+    console_.Print(value);
 }
 
-void JsonWriter::Bool(bool value) {
-    BeforeValue();
-    console_.Print(value ? "true" : "false");
+void JsonWriter::Number(std::string_view name, uint64_t value) {
+    Plain(name, std::to_string(value));
 }
 
-void JsonWriter::Null() {
-    BeforeValue();
-    console_.Print("null");
+void JsonWriter::Integer(std::string_view name, int64_t value) {
+    Plain(name, std::to_string(value));
+}
+
+void JsonWriter::Bool(std::string_view name, bool value) {
+    Plain(name, value ? "true" : "false");
+}
+
+void JsonWriter::Null(std::string_view name) {
+    Plain(name, "null");
 }
 
 void JsonWriter::Path(std::string_view name, std::string_view nativePath) {
-    Key(name);
-    String(nativePath);
+    String(name, nativePath);
     if (ToUtf8(FromUtf8(nativePath)) == nativePath) return;
-    Key(std::string(name) + "_uri");
-    String(FileUriOfPath(nativePath));
+    String(std::string(name) + "_uri", FileUriOfPath(nativePath));
 }
 
 }  // namespace kinsort

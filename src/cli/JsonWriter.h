@@ -14,24 +14,25 @@ enum class JsonLayout : uint8_t {
     kOneLine,  // for several texts, one a line
 };
 
-// Calls must nest as the JSON does. In an object every value follows its Key.
+// Calls must nest as the JSON does. A value of an object is given with its name, an element of an array without.
 class JsonWriter {
   public:
     explicit JsonWriter(Console& console, JsonLayout layout = JsonLayout::kLines)
         : console_(console), layout_(layout) {}
 
     void BeginArray();
+    void BeginArray(std::string_view name);
     void EndArray();
     void BeginObject();
     void EndObject();
-    void Key(std::string_view name);
     void String(std::string_view utf8);  // bytes that are not UTF-8 become U+FFFD
-    void Number(uint64_t value);
-    void Integer(int64_t value);
-    void Bool(bool value);
-    void Null();
+    void String(std::string_view name, std::string_view utf8);
+    void Number(std::string_view name, uint64_t value);
+    void Integer(std::string_view name, int64_t value);
+    void Bool(std::string_view name, bool value);
+    void Null(std::string_view name);
 
-    // A native path under `name`; when it is not valid UTF-8, its exact file:// address follows under name + "_uri".
+    // A native path; when it is not valid UTF-8, its exact file:// address follows under name + "_uri".
     void Path(std::string_view name, std::string_view nativePath);
 
     // Ends the text with an end of line. Call it once, last.
@@ -40,6 +41,8 @@ class JsonWriter {
   private:
     enum class Place : uint8_t { kArrayStart, kArray, kObjectStart, kObject };
     void BeforeValue();
+    void Key(std::string_view name);
+    void Plain(std::string_view name, std::string_view value);
 
     Console& console_;
     JsonLayout layout_;

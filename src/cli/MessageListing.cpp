@@ -77,8 +77,7 @@ std::string Shown(const CliContext& context, const std::u16string& text) {
 
 void WritePaths(JsonWriter& json, const CliContext& context, std::string_view key,
                 const std::vector<std::u16string>& paths) {
-    json.Key(key);
-    json.BeginArray();
+    json.BeginArray(key);
     for (const std::u16string& path : paths) {
         json.BeginObject();
         json.Path("path", context.NativePath(path));
@@ -88,8 +87,7 @@ void WritePaths(JsonWriter& json, const CliContext& context, std::string_view ke
 }
 
 void WriteText(JsonWriter& json, const CliContext& context, const std::u16string& text) {
-    json.Key("text");
-    json.String(ToUtf8(text));
+    json.String("text", ToUtf8(text));
     if (IsFullPath(text)) json.Path("path", context.NativePath(text));
 }
 
@@ -121,28 +119,22 @@ bool IsItems(const DataMessage& message) {
 
 void WriteData(JsonWriter& json, const CliContext& context, const DataMessage& message) {
     json.BeginObject();
-    json.Key("kind");
-    json.String("data");
-    json.Key("code");
-    json.Number(message.code);
+    json.String("kind", "data");
+    json.Number("code", message.code);
     if (message.row != nullptr) {
-        json.Key("name");
-        json.String(message.row->name);
+        json.String("name", message.row->name);
     }
-    json.Key("sender");
-    json.Number(message.sender);
+    json.Number("sender", message.sender);
     if (IsItems(message)) {
         const HostHandOff handOff = ItemsOf(message.data);
         json.Path("folder", handOff.CurrentDir.empty() ? std::string() : context.NativePath(handOff.CurrentDir));
-        json.Key("option");
-        json.String(ToUtf8(handOff.Option));
+        json.String("option", ToUtf8(handOff.Option));
         WritePaths(json, context, "items", handOff.SelectedItems);
         WritePaths(json, context, "other_tabs", handOff.OtherTabFolders);
     } else if (message.text) {
         WriteText(json, context, *message.text);
     } else {
-        json.Key("bytes");
-        json.String(HexOfBytes(message.data));
+        json.String("bytes", HexOfBytes(message.data));
     }
     json.EndObject();
 }
@@ -185,14 +177,10 @@ int64_t MessageListing::OnNumbers(uint32_t message, uint64_t first, int64_t seco
     if (asJson_) {
         JsonWriter json(context_.console, JsonLayout::kOneLine);
         json.BeginObject();
-        json.Key("kind");
-        json.String("numbers");
-        json.Key("message");
-        json.Number(message);
-        json.Key("first");
-        json.Integer(signedFirst);
-        json.Key("second");
-        json.Integer(second);
+        json.String("kind", "numbers");
+        json.Number("message", message);
+        json.Integer("first", signedFirst);
+        json.Integer("second", second);
         json.EndObject();
         json.Finish();
     } else {
@@ -208,8 +196,7 @@ void MessageListing::OnDrop(std::span<const std::byte> dropList) {
     if (asJson_) {
         JsonWriter json(context_.console, JsonLayout::kOneLine);
         json.BeginObject();
-        json.Key("kind");
-        json.String("drop");
+        json.String("kind", "drop");
         WritePaths(json, context_, "items", paths);
         json.EndObject();
         json.Finish();

@@ -33,11 +33,9 @@ void WriteMatch(JsonWriter& json, const NativeFolders& folders, const CandidateM
     if (match.folder >= 0) {
         json.Path(nameKey, folders.PathOf(match.folder));
     } else {
-        json.Key(nameKey);
-        json.Null();
+        json.Null(nameKey);
     }
-    json.Key(scoreKey);
-    json.Number(match.folder >= 0 ? static_cast<uint64_t>(match.score) : 0);
+    json.Number(scoreKey, match.folder >= 0 ? static_cast<uint64_t>(match.score) : 0);
 }
 
 void PrintJson(CliContext& context, const SortingPlan& plan, bool withScores) {

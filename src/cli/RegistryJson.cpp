@@ -138,44 +138,35 @@ bool BytesOfHex(std::string_view hex, std::vector<std::byte>& bytes) {
 }
 
 void WriteRegistryValue(JsonWriter& out, const RegistryValue& value) {
-    out.Key("type");
     const std::string name = RegistryTypeName(value.type);
     const bool isNamed = name[0] < '0' || name[0] > '9';
     if (isNamed) {
-        out.String(name);
+        out.String("type", name);
     } else {
-        out.Number(value.type);
+        out.Number("type", value.type);
     }
     const std::u16string text = value.AsString();
     const bool isText = RegistryValue::OfString(text) == value && FromUtf8(ToUtf8(text)) == text;
     if (isText) {
-        out.Key("value");
-        out.String(ToUtf8(text));
+        out.String("value", ToUtf8(text));
     } else if (RegistryValue::OfDword(value.AsDword()) == value) {
-        out.Key("value");
-        out.Number(value.AsDword());
+        out.Number("value", value.AsDword());
     } else {
-        out.Key("hex");
-        out.String(HexOfBytes(value.data));
+        out.String("hex", HexOfBytes(value.data));
     }
 }
 
 void WriteRegistryKeys(JsonWriter& out, std::span<const RegistryKey> keys) {
     out.BeginObject();
-    out.Key(kMarker);
-    out.Number(kVersion);
-    out.Key("keys");
-    out.BeginArray();
+    out.Number(kMarker, kVersion);
+    out.BeginArray("keys");
     for (const RegistryKey& key : keys) {
         out.BeginObject();
-        out.Key("path");
-        out.String(ToUtf8(key.path));
-        out.Key("values");
-        out.BeginArray();
+        out.String("path", ToUtf8(key.path));
+        out.BeginArray("values");
         for (const RegistryEntry& entry : key.entries) {
             out.BeginObject();
-            out.Key("name");
-            out.String(ToUtf8(entry.name));
+            out.String("name", ToUtf8(entry.name));
             WriteRegistryValue(out, entry.value);
             out.EndObject();
         }

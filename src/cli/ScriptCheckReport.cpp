@@ -3,8 +3,8 @@
 #include <algorithm>
 
 #include "cli/CommandLine.h"
-#include "cli/ItemList.h"
 #include "cli/JsonWriter.h"
+#include "cli/NamedPaths.h"
 #include "cli/ShownText.h"
 #include "cli/Texts.h"
 #include "script/ScriptCheck.h"
@@ -22,7 +22,7 @@ std::string ShownPart(std::u16string_view text) {
 
 // "a.txt:3:5: message", the line, and "^~~~" below the part.
 void PrintFinding(CliContext& context, const std::string& file, const ScriptFinding& finding) {
-    const Terminal& terminal = context.console.terminal();
+    const Terminal& terminal = context.services.terminal;
     const std::u16string_view text = finding.text;
     context.console.Print(ShownText(file) + ":" + std::to_string(finding.line) + ":" + std::to_string(finding.column) +
                           ": " + ShownText(ToUtf8(finding.message)) + "\n");
@@ -36,16 +36,11 @@ void PrintFinding(CliContext& context, const std::string& file, const ScriptFind
 void WriteFinding(JsonWriter& json, const std::string& file, const ScriptFinding& finding) {
     json.BeginObject();
     json.Path("file", file);
-    json.Key("line");
-    json.Number(static_cast<uint64_t>(finding.line));
-    json.Key("column");
-    json.Number(finding.column);
-    json.Key("length");
-    json.Number(finding.length);
-    json.Key("rule");
-    json.String(finding.rule);
-    json.Key("message");
-    json.String(ToUtf8(finding.message));
+    json.Number("line", static_cast<uint64_t>(finding.line));
+    json.Number("column", finding.column);
+    json.Number("length", finding.length);
+    json.String("rule", finding.rule);
+    json.String("message", ToUtf8(finding.message));
     json.EndObject();
 }
 
@@ -59,11 +54,12 @@ ExitCode ReportScriptCheck(CliContext& context, const CommandLine& line) {
     if (isJson) json.BeginArray();
     for (size_t i = 1; i < line.operands.size(); ++i) {
         const std::string& file = line.operands[i];
-        const Result<std::u16string> path = ResolveTyped(context, file);
+        const Result<std::u16string> path = FindFileToRead(context, file);
         const auto found = path.ok() ? CheckScript(context.services.files, *path) : std::nullopt;
         if (!found) {
             isUnread = true;
-            context.console.Say("script: cannot read " + ShownText(file));
+            const std::string why = path.ok() ? "it cannot be read" : StatusText(path.status());
+            context.console.Say("script: " + ShownText(file) + ": " + why);
             continue;
         }
         findings += found->size();

@@ -2,18 +2,14 @@
 #include <gtest/gtest.h>
 
 #include "cli/CliFixture_test.h"
+#include "text/Utf16Bytes_test.h"
 
 namespace kinsort {
 namespace {
 
 class ScriptCheckReportTest : public testing::Test, protected CliFixture {
   protected:
-    void AddScript(std::u16string_view path, std::u16string_view text) {
-        std::string bytes;
-        for (const char16_t unit : text)
-            bytes.append({static_cast<char>(unit & 0xFF), static_cast<char>(unit >> 8)});
-        files.SetContent(path, bytes);
-    }
+    void AddScript(std::u16string_view path, std::u16string_view text) { files.SetContent(path, Utf16Bytes(text)); }
     int Run(const std::vector<std::string>& arguments) {
         terminal.output.clear();
         terminal.messages.clear();
@@ -40,7 +36,7 @@ TEST_F(ScriptCheckReportTest, MarksWhatIsMeantUnderTheLine) {
 TEST_F(ScriptCheckReportTest, GivesEditorsJson) {
     AddScript(u"Z:\\bad.txt", u"next\n");
     EXPECT_EQ(Run({"script", "check", "--json", "/bad.txt", "/gone.txt"}), 3);
-    EXPECT_EQ(terminal.messages, "kinsort: script: cannot read /gone.txt\n");
+    EXPECT_EQ(terminal.messages, "kinsort: script: /gone.txt: it does not exist; check the name and the folder\n");
     EXPECT_EQ(terminal.output,
               "[\n"
               R"({"file": "/bad.txt", "line": 1, "column": 1, "length": 4, "rule": "block", )"

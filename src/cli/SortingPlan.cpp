@@ -3,17 +3,15 @@
 #include <algorithm>
 
 #include "cli/ExistenceCheck.h"
+#include "cli/NamedPaths.h"
 #include "cli/ShownText.h"
 #include "cli/Texts.h"
+#include "framework/Paths.h"
 
 namespace kinsort {
 namespace {
 
-std::u16string JoinPath(const std::u16string& folder, const std::u16string& name) {
-    return folder.ends_with(u'\\') ? folder + name : folder + u'\\' + name;
-}
-
-bool SayWhyNoItems(CliContext& context, const ItemList& items, bool hasMissing) {
+bool SayWhyNoItems(CliContext& context, const CommandLine& line, const ItemList& items, bool hasMissing) {
     switch (items.source) {
         case ItemSource::kNone:
             context.console.Say("no items: name files or folders, or give a list with --files-from");
@@ -28,43 +26,23 @@ bool SayWhyNoItems(CliContext& context, const ItemList& items, bool hasMissing) 
             break;
     }
     if (!items.paths.empty()) return false;
-    if (!hasMissing) context.console.Say("the list of items is empty; there is nothing to do");
+    if (hasMissing) return true;
+    const std::string list = line.Has(OptionId::kFilesFrom)
+                                 ? "--files-from " + ShownText(line.Value(OptionId::kFilesFrom))
+                                 : "the selection of the file manager";
+    context.console.Say(list + ": the list of items is empty; there is nothing to do");
     return true;
 }
 
 }  // namespace
 
-std::u16string FindNamedFolder(CliContext& context, OptionId option, const std::string& typed) {
-    const Result<std::u16string> folder = ResolveTyped(context, typed);
-    const std::string shown = "--" + std::string(SpecOf(option).name) + " " + ShownText(typed) + ": ";
-    if (!folder.ok()) {
-        context.console.Say(shown + StatusText(folder.status()));
-        return {};
-    }
-    const uint32_t attributes = context.services.files.GetAttributes(*folder);
-    if (attributes == kInvalidAttributes) {
-        context.console.Say(shown + "there is no such folder, or it cannot be read; check the path");
-        return {};
-    }
-    if ((attributes & kAttributeDirectory) == 0) {
-        context.console.Say(shown + "this is a file; name a folder");
-        return {};
-    }
-    const Result<std::string> stored = context.services.codec.PathToStored(*folder);
-    if (stored.ok() && context.services.sys.OpenFolder(*stored).code() == StatusCode::kAccessDenied) {
-        context.console.Say(shown + "permission denied; its sub-folders cannot be listed");
-        return {};
-    }
-    return *folder;
-}
-
 std::optional<ExitCode> MakeSortingPlan(CliContext& context, const CommandLine& line, SortingPlan& plan) {
-    plan.searchFolder = FindNamedFolder(context, OptionId::kTo, line.Value(OptionId::kTo));
+    plan.searchFolder = FindFolderToList(context, OptionId::kTo, line.Value(OptionId::kTo));
     if (plan.searchFolder.empty()) return ExitCode::kNothing;
     ItemList items = CollectItems(context, line);
     SayMissing(context, items);
     plan.missing = std::move(items.missing);
-    if (SayWhyNoItems(context, items, !plan.missing.empty())) {
+    if (SayWhyNoItems(context, line, items, !plan.missing.empty())) {
         return items.source == ItemSource::kNone ? ExitCode::kUsage : ExitCode::kNothing;
     }
     for (std::u16string& path : items.paths) {
@@ -92,7 +70,7 @@ std::optional<ExitCode> MakeSortingPlan(CliContext& context, const CommandLine& 
 
 std::u16string TargetFolderOf(const SortingPlan& plan, size_t row) {
     const std::vector<std::u16string>& candidates = plan.rows[row].arrCandidates;
-    return candidates.empty() ? std::u16string() : JoinPath(plan.searchFolder, candidates[0]);
+    return candidates.empty() ? std::u16string() : AddTrailingSeparator(plan.searchFolder) + candidates[0];
 }
 
 size_t CountTakenNames(CliContext& context, const SortingPlan& plan) {
@@ -100,7 +78,7 @@ size_t CountTakenNames(CliContext& context, const SortingPlan& plan) {
     for (size_t i = 0; i < plan.rows.GetCount(); ++i) {
         const std::u16string folder = TargetFolderOf(plan, i);
         if (folder.empty()) continue;
-        std::u16string target = JoinPath(folder, plan.rows[i].strName);
+        std::u16string target = AddTrailingSeparator(folder) + plan.rows[i].strName;
         if (target != plan.rows[i].strPath) ways.emplace_back(std::move(target), plan.rows[i].strPath);
     }
     std::sort(ways.begin(), ways.end());

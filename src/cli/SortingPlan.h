@@ -13,9 +13,6 @@
 
 namespace kinsort {
 
-// The folder that an option names, inner form; empty after a message that names option and folder.
-std::u16string FindNamedFolder(CliContext& context, OptionId option, const std::string& typed);
-
 struct SortingPlan {
     ClassificationPlan rows;
     std::u16string searchFolder;          // inner form, absolute

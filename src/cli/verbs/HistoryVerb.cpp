@@ -25,25 +25,16 @@ std::string UtcTime(int64_t ns) {
 }
 
 void WriteBatch(JsonWriter& json, const CliContext& context, const BatchSummary& batch) {
-    const auto number = [&json](std::string_view name, uint64_t value) {
-        json.Key(name);
-        json.Number(value);
-    };
-    const auto text = [&json](std::string_view name, std::string_view value) {
-        json.Key(name);
-        json.String(value);
-    };
     json.BeginObject();
-    number("batch", batch.id);
-    text("state", StateKeyword(batch.state));
-    text("action", ActionKeyword(ActionOf(batch)));
-    text("started", UtcTime(batch.startedNs));
-    json.Key("cancelled");
-    json.Bool(batch.cancelled);
-    number("done", batch.done);
-    number("failed", batch.failed);
-    number("skipped", batch.skipped);
-    number("undone", batch.undone);
+    json.Number("batch", batch.id);
+    json.String("state", StateKeyword(batch.state));
+    json.String("action", ActionKeyword(ActionOf(batch)));
+    json.String("started", UtcTime(batch.startedNs));
+    json.Bool("cancelled", batch.cancelled);
+    json.Number("done", batch.done);
+    json.Number("failed", batch.failed);
+    json.Number("skipped", batch.skipped);
+    json.Number("undone", batch.undone);
     json.Path("folder", batch.searchFolder.empty() ? std::string() : context.NativePath(batch.searchFolder));
     json.Path("first_item", context.services.codec.NameToStored(batch.firstItem));
     json.EndObject();

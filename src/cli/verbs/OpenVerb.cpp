@@ -6,8 +6,8 @@
 #include "cli/CommandLine.h"
 #include "cli/HostServices.h"
 #include "cli/ItemList.h"
+#include "cli/NamedPaths.h"
 #include "cli/ShownText.h"
-#include "cli/SortingPlan.h"
 #include "cli/Texts.h"
 #include "cli/UserLanguage.h"
 #include "framework/Paths.h"
@@ -126,13 +126,13 @@ ExitCode RunOpen(CliContext& context, const CommandLine& line) {
     }
     DialogArguments dialog = ArgumentsOf(line);
     if (line.Has(OptionId::kTo)) {
-        const std::u16string folder = FindNamedFolder(context, OptionId::kTo, line.Value(OptionId::kTo));
+        const std::u16string folder = FindFolderToList(context, OptionId::kTo, line.Value(OptionId::kTo));
         if (folder.empty()) return ExitCode::kNothing;
         dialog.arguments.push_back(FolderArgument(context, folder));
     }
     HostHandOff handOff;
     for (const std::string& typed : line.Values(OptionId::kOtherTab)) {
-        std::u16string folder = FindNamedFolder(context, OptionId::kOtherTab, typed);
+        std::u16string folder = FindFolderToList(context, OptionId::kOtherTab, typed);
         if (folder.empty()) return ExitCode::kNothing;
         handOff.OtherTabFolders.push_back(std::move(folder));
     }

@@ -3,6 +3,7 @@
 #include "cli/ConsoleUserInterface.h"
 #include "cli/HostServices.h"
 #include "cli/ItemList.h"
+#include "cli/NamedPaths.h"
 #include "cli/ScriptBackend.h"
 #include "cli/ScriptCheckReport.h"
 #include "cli/ScriptTrace.h"
@@ -19,31 +20,15 @@ namespace {
 
 // What the script is run with; nothing, after a message, when some of it makes no sense.
 struct ScriptArguments {
-    std::u16string scriptPath;
     std::u16string currentFolder;
     std::u16string otherFolder;
     std::vector<std::u16string> items;
     VariableTable variables;
 };
 
-bool Resolve(CliContext& context, const std::string& typed, std::u16string& path) {
-    Result<std::u16string> resolved = ResolveTyped(context, typed);
-    if (!resolved.ok()) {
-        context.console.Say("script: " + ShownText(typed) + ": " + StatusText(resolved.status()));
-        return false;
-    }
-    path = std::move(*resolved);
-    return true;
-}
-
-// Folders end with a separator: without one, "?Dir?" would take the last of the names for a file.
-bool ResolveFolder(CliContext& context, const std::string& typed, std::u16string& folder) {
-    if (!Resolve(context, typed, folder)) return false;
-    const uint32_t attributes = context.services.files.GetAttributes(folder);
-    folder = AddTrailingSeparator(folder);
-    if (attributes != kInvalidAttributes && (attributes & kAttributeDirectory) != 0) return true;
-    context.console.Say("script: " + ShownText(typed) + ": there is no such folder");
-    return false;
+// With a separator at the end: without one, "?Dir?" would take the last of the names for a file. Empty after a message.
+std::u16string FolderOf(CliContext& context, const CommandLine& line, OptionId option, std::string_view otherwise) {
+    return AddTrailingSeparator(FindNamedFolder(context, option, line.Value(option, otherwise)));
 }
 
 bool Declare(CliContext& context, const std::string& definition, VariableTable& variables) {
@@ -54,19 +39,25 @@ bool Declare(CliContext& context, const std::string& definition, VariableTable& 
         wrong = CheckVariableName(variables, name);
         if (wrong.empty() && variables.Create(name, FromUtf8(definition.substr(equals + 1)))) return true;
     }
-    context.console.Say(ShownLines("script: --set " + definition + ": " + ToUtf8(wrong)));
+    context.console.Say(ShownLines("--set " + definition + ": " + ToUtf8(wrong)));
     return false;
 }
 
 std::optional<ScriptArguments> ReadArguments(CliContext& context, const CommandLine& line) {
     ScriptArguments arguments;
-    if (!Resolve(context, line.operands[1], arguments.scriptPath)) return std::nullopt;
-    if (!ResolveFolder(context, line.Value(OptionId::kCwd, "."), arguments.currentFolder)) return std::nullopt;
-    if (line.Has(OptionId::kOther) && !ResolveFolder(context, line.Value(OptionId::kOther), arguments.otherFolder))
-        return std::nullopt;
+    arguments.currentFolder = FolderOf(context, line, OptionId::kCwd, ".");
+    if (arguments.currentFolder.empty()) return std::nullopt;
+    if (line.Has(OptionId::kOther)) {
+        arguments.otherFolder = FolderOf(context, line, OptionId::kOther, {});
+        if (arguments.otherFolder.empty()) return std::nullopt;
+    }
     for (const std::string& typed : line.Values(OptionId::kSelect)) {
-        arguments.items.emplace_back();
-        if (!Resolve(context, typed, arguments.items.back())) return std::nullopt;
+        Result<std::u16string> item = ResolveTyped(context, typed);
+        if (!item.ok()) {
+            context.console.Say("--select " + ShownText(typed) + ": " + StatusText(item.status()));
+            return std::nullopt;
+        }
+        arguments.items.push_back(std::move(*item));
     }
     for (const std::string& definition : line.Values(OptionId::kSet))
         if (!Declare(context, definition, arguments.variables)) return std::nullopt;
@@ -94,6 +85,11 @@ ExitCode CodeOf(const ScriptResult& result) {
 }
 
 ExitCode RunFile(CliContext& context, const CommandLine& line) {
+    const Result<std::u16string> script = FindFileToRead(context, line.operands[1]);
+    if (!script.ok()) {
+        context.console.Say("script: " + ShownText(line.operands[1]) + ": " + StatusText(script.status()));
+        return ExitCode::kNothing;
+    }
     std::optional<ScriptArguments> arguments = ReadArguments(context, line);
     if (!arguments) return ExitCode::kUsage;
     const ScriptBackend& backend = context.services.script();
@@ -123,7 +119,7 @@ ExitCode RunFile(CliContext& context, const CommandLine& line) {
         .cancel = &context.cancel,
         .maxVariableUnits = kMaxVariableUnits,
     };
-    ScriptCall call{.scriptPath = arguments->scriptPath,
+    ScriptCall call{.scriptPath = *script,
                     .currentFolder = arguments->currentFolder,
                     .otherFolder = arguments->otherFolder,
                     .selectedItems = arguments->items};

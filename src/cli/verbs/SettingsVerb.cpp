@@ -1,17 +1,14 @@
 #include <algorithm>
-#include <charconv>
-#include <functional>
 
 #include "cli/CliContext.h"
 #include "cli/CommandLine.h"
 #include "cli/HostServices.h"
-#include "cli/ItemList.h"
 #include "cli/JsonWriter.h"
 #include "cli/KnownSettings.h"
 #include "cli/RegistryJson.h"
 #include "cli/ShownText.h"
 #include "cli/Texts.h"
-#include "framework/Paths.h"
+#include "cli/TypedValue.h"
 #include "text/Split.h"
 #include "text/Utf8.h"
 
@@ -28,10 +25,11 @@ struct SettingsRun {
     size_t OperandCount() const { return line.operands.size(); }
 };
 
-ExitCode Fail(const SettingsRun& run, const Status& status, std::string_view what = {}) {
-    std::string text(what);
-    if (text.empty() && !status.path().empty()) text = run.context.ShownPath(status.path());
-    run.console.Say((text.empty() ? "" : text + ": ") + StatusText(status));
+ExitCode Fail(const SettingsRun& run, const Status& status) {
+    if (status.path().empty())
+        run.console.Say("there is no place for the settings: set HOME or XDG_CONFIG_HOME to a folder");
+    else
+        run.console.Say(run.context.ShownPath(status.path()) + ": " + StatusText(status));
     return ExitCode::kNothing;
 }
 
@@ -59,22 +57,17 @@ struct ShownSetting {
 
 void WriteSetting(JsonWriter& json, const SettingsRun& run, const ShownSetting& shown) {
     json.BeginObject();
-    json.Key("name");
-    json.String(shown.setting.shownName);
-    json.Key("key");
-    json.String(ToUtf8(shown.setting.key));
-    json.Key("value_name");
-    json.String(ToUtf8(shown.setting.valueName));
-    json.Key("is_set");
-    json.Bool(shown.value.has_value());
+    json.String("name", shown.setting.shownName);
+    json.String("key", ToUtf8(shown.setting.key));
+    json.String("value_name", ToUtf8(shown.setting.valueName));
+    json.Bool("is_set", shown.value.has_value());
     if (shown.value) {
         WriteRegistryValue(json, *shown.value);
         const bool isFolder = shown.setting.known != nullptr && shown.setting.known->kind == SettingKind::kFolder;
         if (isFolder && !shown.value->AsString().empty())
             json.Path("path", run.context.NativePath(shown.value->AsString()));
     } else if (shown.setting.known != nullptr) {
-        json.Key("default");
-        json.String(shown.setting.known->otherwise);
+        json.String("default", shown.setting.known->otherwise);
     }
     json.EndObject();
 }
@@ -109,21 +102,28 @@ ExitCode Get(const SettingsRun& run) {
         return ExitCode::kDone;
     }
     const std::string text = ValueForPeople(run, *shown->value, setting->known);
-    const bool isShown = run.console.terminal().IsTerminal(Stream::kOutput);
+    const bool isShown = run.context.services.terminal.IsTerminal(Stream::kOutput);
     run.console.Print((isShown ? ShownText(text) : text) + "\n");
     return ExitCode::kDone;
 }
 
-// The key that list and export are given, with slashes as settings may be; empty: everything.
-std::u16string TypedKey(const SettingsRun& run) {
-    if (run.OperandCount() < 2) return {};
-    const std::u16string key = FromUtf8(run.Operand(1));
-    return NormalKeyPath(key.find(u'\\') == key.npos ? Replace(key, u"/", u"\\") : key);
+// What is stored below the key that list and export are given, with slashes as settings may be; everything when they
+// are given none. Nothing after a message.
+std::optional<std::vector<RegistryKey>> StoredKeys(const SettingsRun& run) {
+    std::u16string key = run.OperandCount() < 2 ? std::u16string() : FromUtf8(run.Operand(1));
+    key = NormalKeyPath(key.find(u'\\') == key.npos ? Replace(key, u"/", u"\\") : key);
+    Result<std::vector<RegistryKey>> keys = run.host.registry.List(key);
+    if (!keys.ok()) {
+        Fail(run, keys.status());
+        return std::nullopt;
+    }
+    if (!keys->empty()) return std::move(*keys);
+    run.console.Say("there is no key " + ShownText(ToUtf8(key)) + "; 'kinsort settings list' shows all");
+    return std::nullopt;
 }
 
 ExitCode List(const SettingsRun& run) {
     std::vector<ShownSetting> all;
-    const std::u16string key = TypedKey(run);
     if (run.OperandCount() == 1) {
         for (const KnownSetting& known : kKnownSettings) {
             const std::optional<ShownSetting> shown =
@@ -132,12 +132,8 @@ ExitCode List(const SettingsRun& run) {
             all.push_back(*shown);
         }
     }
-    Result<std::vector<RegistryKey>> keys = run.host.registry.List(key);
-    if (!keys.ok()) return Fail(run, keys.status());
-    if (keys->empty()) {
-        run.console.Say("there is no key " + ShownText(ToUtf8(key)) + "; 'kinsort settings list' shows all");
-        return ExitCode::kNothing;
-    }
+    std::optional<std::vector<RegistryKey>> keys = StoredKeys(run);
+    if (!keys) return ExitCode::kNothing;
     for (RegistryKey& one : *keys) {
         for (RegistryEntry& entry : one.entries) {
             const std::u16string path = one.path.empty() ? entry.name : one.path + u"\\" + entry.name;
@@ -172,70 +168,6 @@ ExitCode List(const SettingsRun& run) {
     return ExitCode::kDone;
 }
 
-std::optional<uint32_t> NumberOf(std::string_view typed) {
-    const bool isHex = typed.starts_with("0x") || typed.starts_with("0X");
-    if (isHex) typed.remove_prefix(2);
-    uint32_t number = 0;
-    const auto [end, error] = std::from_chars(typed.data(), typed.data() + typed.size(), number, isHex ? 16 : 10);
-    if (error != std::errc() || end != typed.data() + typed.size()) return std::nullopt;
-    return number;
-}
-
-// A value, or what is wrong with it.
-struct TypedValue {
-    RegistryValue value;
-    std::string error;
-};
-
-TypedValue LanguageValue(const SettingsRun& run, const std::string& typed) {
-    const std::u16string suffix = FromUtf8(typed.starts_with('.') ? typed : "." + typed);
-    const bool isName = suffix.size() > 1 && std::all_of(suffix.begin() + 1, suffix.end(), [](char16_t unit) {
-                            return (unit >= u'a' && unit <= u'z') || (unit >= u'A' && unit <= u'Z') ||
-                                   (unit >= u'0' && unit <= u'9') || unit == u'-' || unit == u'_';
-                        });
-    if (!isName) return {{}, "'" + ShownText(typed) + "' is no language; write it like .ja-JP or .en-US"};
-    const std::u16string file = run.host.folders.GetAppDir() + u"Lang\\Msg" + suffix + u".txt";
-    if (!FileExists(run.context.services.files, file)) {
-        run.console.Say("there are no texts for this language yet; the dialog will look for them in " +
-                        run.context.ShownPath(file));
-    }
-    return {RegistryValue::OfString(suffix), {}};
-}
-
-TypedValue KnownValue(const SettingsRun& run, const KnownSetting& known, const std::string& typed) {
-    if (known.kind == SettingKind::kLanguage) return LanguageValue(run, typed);
-    if (known.kind == SettingKind::kFolder) {
-        if (typed.empty()) return {RegistryValue::OfString(u""), {}};
-        const Result<std::u16string> folder = ResolveTyped(run.context, typed);
-        if (!folder.ok()) return {{}, ShownText(typed) + ": " + StatusText(folder.status())};
-        return {RegistryValue::OfString(*folder), {}};
-    }
-    const std::optional<uint32_t> number = NumberOf(typed);
-    const std::string padded = "|" + std::string(known.choices) + "|";
-    if (number && padded.find("|" + std::to_string(*number) + "|") != padded.npos)
-        return {RegistryValue::OfDword(*number), {}};
-    return {{},
-            std::string(known.name) + " takes " + ListOfChoices(known.choices) + ", not '" + ShownText(typed) + "'"};
-}
-
-// Of the type that was asked for, else of the one that is stored, else a text.
-TypedValue OtherValue(const SettingsRun& run, const NamedSetting& setting, const std::string& typed) {
-    std::string type = run.line.Value(OptionId::kType);
-    const Result<RegistryValue> stored = run.host.registry.QueryValue(setting.key, setting.valueName);
-    if (type.empty()) type = stored.ok() ? RegistryTypeName(stored->type) : "string";
-    if (type == "string") return {RegistryValue::OfString(FromUtf8(typed)), {}};
-    if (type == "dword") {
-        const std::optional<uint32_t> number = NumberOf(typed);
-        if (number) return {RegistryValue::OfDword(*number), {}};
-        return {{}, "a dword is a number from 0 to 4294967295, not '" + ShownText(typed) + "'; see --type"};
-    }
-    TypedValue value;
-    if (type != "binary") value.value.type = stored.ok() ? stored->type : kRegistryBinary;
-    if (!BytesOfHex(typed, value.value.data))
-        value.error = "type " + type + " takes pairs of hexadecimal digits, not '" + ShownText(typed) + "'; see --type";
-    return value;
-}
-
 ExitCode Set(const SettingsRun& run) {
     const std::optional<NamedSetting> setting = TypedSetting(run, run.Operand(1));
     if (!setting) return ExitCode::kUsage;
@@ -250,8 +182,9 @@ ExitCode Set(const SettingsRun& run) {
         run.console.Say("settings: the type of " + setting->shownName + " is fixed; leave --type out");
         return ExitCode::kUsage;
     }
-    const TypedValue typed = setting->known != nullptr ? KnownValue(run, *setting->known, run.Operand(2))
-                                                       : OtherValue(run, *setting, run.Operand(2));
+    const TypedValue typed = setting->known != nullptr ? ReadKnownValue(run.context, *setting->known, run.Operand(2))
+                                                       : ReadOtherValue(run.context, *setting, run.Operand(2),
+                                                                        run.line.Value(OptionId::kType));
     if (!typed.error.empty()) {
         run.console.Say("settings: " + typed.error);
         return ExitCode::kUsage;
@@ -277,13 +210,8 @@ ExitCode Unset(const SettingsRun& run) {
 }
 
 ExitCode Export(const SettingsRun& run) {
-    const std::u16string key = TypedKey(run);
-    const Result<std::vector<RegistryKey>> keys = run.host.registry.List(key);
-    if (!keys.ok()) return Fail(run, keys.status());
-    if (keys->empty()) {
-        run.console.Say("there is no key " + ShownText(ToUtf8(key)) + "; 'kinsort settings list' shows all");
-        return ExitCode::kNothing;
-    }
+    const std::optional<std::vector<RegistryKey>> keys = StoredKeys(run);
+    if (!keys) return ExitCode::kNothing;
     JsonWriter json(run.console);
     WriteRegistryKeys(json, *keys);
     return ExitCode::kDone;
@@ -292,11 +220,15 @@ ExitCode Export(const SettingsRun& run) {
 // All values of the file or none; keys without values are made, and nothing is taken away.
 ExitCode Import(const SettingsRun& run) {
     const std::string& file = run.Operand(1);
-    const Result<std::string> text = run.console.terminal().ReadAll(file);
-    if (!text.ok()) return Fail(run, text.status(), ShownText(file));
+    const std::string shown = file == "-" ? "standard input" : ShownText(file);
+    const Result<std::string> text = run.context.services.terminal.ReadAll(file);
+    if (!text.ok()) {
+        run.console.Say(shown + ": " + StatusText(text.status()));
+        return ExitCode::kNothing;
+    }
     const ReadRegistryKeys read = ReadRegistryJson(*text);
     if (!read.error.empty()) {
-        run.console.Say(ShownText(file) + ": " + ShownText(read.error) + "; nothing was imported");
+        run.console.Say(shown + ": " + ShownText(read.error) + "; nothing was imported");
         return ExitCode::kNothing;
     }
     std::vector<RegistryChange> changes;
@@ -310,7 +242,7 @@ ExitCode Import(const SettingsRun& run) {
     const bool isName = status.code() == StatusCode::kInvalid || status.code() == StatusCode::kNameTooLong ||
                         status.code() == StatusCode::kFileTooLarge;
     if (isName) {
-        run.console.Say(ShownText(file) + ": the name or the data of '" + ShownText(ToUtf8(status.path())) +
+        run.console.Say(shown + ": the name or the data of '" + ShownText(ToUtf8(status.path())) +
                         "' is not possible or too long; nothing was imported");
         return ExitCode::kNothing;
     }
