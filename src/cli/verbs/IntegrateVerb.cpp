@@ -1,5 +1,4 @@
 #include <algorithm>
-#include <utility>
 
 #include "cli/CliContext.h"
 #include "cli/CommandLine.h"
@@ -9,6 +8,7 @@
 #include "cli/Texts.h"
 #include "cli/UserFile.h"
 #include "cli/UserLanguage.h"
+#include "framework/Paths.h"
 
 namespace kinsort {
 namespace {
@@ -67,7 +67,7 @@ std::optional<std::string> Content(IntegrateRun& run, const IntegrationFile& fil
 }
 
 // A file that is ours alone.
-void HandleOwn(IntegrateRun& run, const IntegrationFile& file, const std::string& path) {
+void HandleOwn(IntegrateRun& run, const IntegrationFile& file, const std::string& path, bool isRemoving) {
     const Result<std::string> there = run.context.services.terminal.ReadAll(path);
     if (!there.ok() && there.code() != StatusCode::kNotFound) {
         Fail(run, path, StatusText(there.status()));
@@ -75,26 +75,33 @@ void HandleOwn(IntegrateRun& run, const IntegrationFile& file, const std::string
     }
     const bool isOurs = there.ok() && there->find(kIntegrationMark) != std::string::npos;
     if (there.ok() && !isOurs) {
-        if (!run.isRemoving) Fail(run, path, "it was not written by kinsort and stays; move it away first");
+        if (!isRemoving) Fail(run, path, "it was not written by kinsort and stays; move it away first");
         return;
     }
-    if (run.isRemoving) {
+    if (isRemoving) {
         if (isOurs) Remove(run, path);
     } else if (const std::optional<std::string> content = Content(run, file)) {
         Write(run, file, path, *content);
     }
 }
 
+// The folders of a list like PATH; one that is empty does not count.
+std::vector<std::string> FoldersOf(std::string_view list) {
+    std::vector<std::string> folders;
+    while (!list.empty()) {
+        const size_t end = std::min(list.find(':'), list.size());
+        if (end > 0) folders.emplace_back(list.substr(0, end));
+        list.remove_prefix(std::min(end + 1, list.size()));
+    }
+    return folders;
+}
+
 // What the program uses as long as the user has no list of their own.
 std::string SystemList(const CliServices& services, const IntegrationFile& file) {
-    std::string folders = services.environment("XDG_CONFIG_DIRS");
-    if (folders.empty()) folders = "/etc/xdg";
-    for (size_t begin = 0; begin <= folders.size();) {
-        const size_t end = std::min(folders.find(':', begin), folders.size());
-        const Result<std::string> list =
-            services.terminal.ReadAll(folders.substr(begin, end - begin) + "/" + std::string(file.path));
-        if (list.ok()) return *list;
-        begin = end + 1;
+    const std::string folders = services.environment("XDG_CONFIG_DIRS");
+    for (const std::string& folder : FoldersOf(folders.empty() ? "/etc/xdg" : folders)) {
+        Result<std::string> list = services.terminal.ReadAll(folder + "/" + std::string(file.path));
+        if (list.ok()) return std::move(*list);
     }
     return std::string(kEmptyActionList);
 }
@@ -134,28 +141,21 @@ void Handle(IntegrateRun& run, const IntegrationFile& file) {
     if (file.isShared) {
         HandleShared(run, file, path);
     } else if (!path.ends_with('/')) {
-        HandleOwn(run, file, path);
+        HandleOwn(run, file, path, run.isRemoving);
     } else {
         const bool isJapanese = PrefersJapanese(run.context.services);
         const std::string_view name = isJapanese ? kScriptNameJapanese : kScriptNameEnglish;
         const std::string_view other = isJapanese ? kScriptNameEnglish : kScriptNameJapanese;
-        HandleOwn(run, file, path + std::string(name));
-        const bool wasRemoving = std::exchange(run.isRemoving, true);
-        HandleOwn(run, file, path + std::string(other));  // of a time with another language
-        run.isRemoving = wasRemoving;
+        HandleOwn(run, file, path + std::string(name), run.isRemoving);
+        HandleOwn(run, file, path + std::string(other), true);  // of a time with another language
     }
 }
 
 bool IsInstalled(const CliServices& services, std::string_view program) {
-    const std::string folders = services.environment("PATH");
-    for (size_t begin = 0; begin <= folders.size();) {
-        const size_t end = std::min(folders.find(':', begin), folders.size());
-        const std::string path = folders.substr(begin, end - begin) + "/" + std::string(program);
-        if (end > begin && services.files.GetAttributes(services.codec.PathToInner(path)) != kInvalidAttributes)
-            return true;
-        begin = end + 1;
-    }
-    return false;
+    const std::vector<std::string> folders = FoldersOf(services.environment("PATH"));
+    return std::any_of(folders.begin(), folders.end(), [&](const std::string& folder) {
+        return FileExists(services.files, services.codec.PathToInner(folder + "/" + std::string(program)));
+    });
 }
 
 // Without a name: when installing, what this desktop has; when removing, all there is.
