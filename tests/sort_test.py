@@ -152,27 +152,6 @@ class Sort(Workshop):
         undone = self.run_json("undo", str(outcome["batch"]))
         self.assertEqual((undone["batch"], undone["action"], undone["done"]), (outcome["batch"], "undo", 1))
 
-    def test_failures_of_single_items_do_not_stop_the_others(self):
-        self.make_folders("alpha", "alphabet soup")
-        self.make_file(self.source, "alpha.txt")
-        os.mkfifo(os.path.join(self.source, "alpha pipe"))
-        done = self.sort("--copy", *self.items(), os.path.join(self.target, "alpha"), code=1)
-        self.assertIn("alpha pipe: skipped: a pipe, socket or device cannot be copied", done.messages)
-        self.assertIn("target/alpha: not copied: a folder cannot go into itself", done.messages)
-        self.assertTrue(os.path.exists(os.path.join(self.target, "alpha/alpha.txt")))
-        self.run_kinsort("undo")
-
-    def test_undo_leaves_alone_what_was_changed_since(self):
-        self.make_folders("alpha")
-        for name in "alpha 1", "alpha 2":
-            self.make_file(self.source, name)
-        self.sort("--copy", *self.items())
-        with open(os.path.join(self.target, "alpha/alpha 1"), "ab") as file:
-            file.write(b"more")
-        done = self.run_kinsort("undo", code=1)
-        self.assertIn("alpha 1: not taken back: it was changed since the batch", done.messages)
-        self.assertEqual(os.listdir(os.path.join(self.target, "alpha")), ["alpha 1"])
-
     def test_a_polite_kill_stops_cleanly_and_can_be_undone(self):
         self.make_folders("alpha")
         for number in range(1500):
