@@ -35,7 +35,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
         Require(IsPieceOf(line.statement, line.text) && IsPieceOf(line.target, line.statement) &&
                 IsPieceOf(line.value, line.statement));
         Require(line.raw.size() == line.text.size() && line.target.size() == line.key.size());
-        Require((line.words == 0) == line.statement.empty());
+        Require(IsPieceOf(line.operand, line.statement));
         Require(line.hasValue || (line.option == nullptr && line.command == nullptr));
         Require(&source.LineAt(i, tokens) == &line);
         const std::u16string label = LabelName(line.statement);

@@ -22,21 +22,12 @@ LineOutcome MoveTo(ScriptRun& run, size_t line) {
     return LineOutcome::kMoved;
 }
 
-bool HasOperand(const ScriptLine& line) {
-    return line.words >= 2;
-}
-
 bool HasItemAt(const ScriptRun& run, int32_t index) {
     return static_cast<size_t>(index) < run.selectedItems.size();
 }
 
 void Say(ScriptRun& run, std::u16string_view word, std::u16string_view opener, const ScriptLine& line) {
     run.Tell(MissingOpenerText(word, opener).append(line.statement));
-}
-
-// The condition behind the first `skipped` units of the statement.
-ConditionResult Evaluate(ScriptRun& run, const ScriptLine& line, size_t skipped) {
-    return EvaluateCondition(line.statement.substr(skipped), run.scope);
 }
 
 // What ends the run when a condition is neither true nor false.
@@ -93,8 +84,8 @@ bool IsTakenByLoopSkip(ScriptRun& run, const ScriptLine& line) {
 }
 
 LineOutcome RunIf(ScriptRun& run, const ScriptLine& line) {
-    if (!HasOperand(line)) return run.Fail(ScriptError::kSyntax, line.statement);
-    const ConditionResult result = Evaluate(run, line, 3);
+    if (line.operand.empty()) return run.Fail(ScriptError::kSyntax, line.statement);
+    const ConditionResult result = EvaluateCondition(line.operand, run.scope);
     if (result != ConditionResult::kTrue && result != ConditionResult::kFalse) return FailCondition(run, result, line);
     run.flow.ifs.push_back(result == ConditionResult::kTrue ? IfState::kThenRunning : IfState::kThenSkipping);
     return LineOutcome::kNextLine;
@@ -132,9 +123,9 @@ LineOutcome RunDo(ScriptRun& run, const ScriptLine&) {
 
 LineOutcome RunWhile(ScriptRun& run, const ScriptLine& line) {
     FlowState& flow = run.flow;
-    if (!HasOperand(line)) return run.Fail(ScriptError::kSyntax, line.statement);
+    if (line.operand.empty()) return run.Fail(ScriptError::kSyntax, line.statement);
     if (flow.doBodies.empty()) return run.FailWith(MissingOpenerText(u"while", u"do").append(line.statement));
-    const ConditionResult result = Evaluate(run, line, 6);
+    const ConditionResult result = EvaluateCondition(line.operand, run.scope);
     if (result == ConditionResult::kTrue) return MoveTo(run, flow.doBodies.back());
     if (result != ConditionResult::kFalse) return FailCondition(run, result, line);
     CloseDoLoop(flow);
@@ -172,8 +163,8 @@ LineOutcome RunBreak(ScriptRun& run, const ScriptLine& line) {
 
 LineOutcome RunGoto(ScriptRun& run, const ScriptLine& line) {
     FlowState& flow = run.flow;
-    if (!HasOperand(line)) return run.Fail(ScriptError::kSyntax, line.statement);
-    const std::optional<std::u16string> name = ExpandLine(line.statement.substr(4), run.scope, Trimming::kTrim);
+    if (line.operand.empty()) return run.Fail(ScriptError::kSyntax, line.statement);
+    const std::optional<std::u16string> name = ExpandLine(line.operand, run.scope, Trimming::kTrim);
     if (!name) return run.FailTooLong(line.statement);
     const std::optional<size_t> label = run.source.FindLabel(*name);
     if (!label) return run.Fail(ScriptError::kUndefinedLabel, line.statement);

@@ -137,17 +137,15 @@ LineOutcome RunStatement(ScriptRun& run, const ScriptLine& line) {
 
 // "var x", "var x = 5".
 LineOutcome RunVar(ScriptRun& run, const ScriptLine& line) {
-    if (line.words < 2) return run.Fail(ScriptError::kSyntax, line.statement);
-    const std::u16string_view declaration = TrimView(line.statement.substr(3));
-    const size_t equals = declaration.find(u'=');
-    const Declaration made = DeclareVariable(run.variables, declaration.substr(0, equals));
+    if (line.operand.empty()) return run.Fail(ScriptError::kSyntax, line.statement);
+    const Declaration made = DeclareVariable(run.variables, DeclaredName(line));
     if (made.created == 0) {
         if (!made.message.empty()) run.Tell(made.message);
         run.session.ending = ScriptEnding::kError;
         return LineOutcome::kEndWithZero;
     }
-    if (equals == std::u16string_view::npos) return LineOutcome::kNextLine;
-    if (const std::optional<LineOutcome> outcome = TryAssign(run, line, declaration)) return *outcome;
+    if (!line.hasValue) return LineOutcome::kNextLine;
+    if (const std::optional<LineOutcome> outcome = TryAssign(run, line, line.operand)) return *outcome;
     return RunUnclaimed(run, line);  // an array as a whole
 }
 

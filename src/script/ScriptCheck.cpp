@@ -48,7 +48,7 @@ CheckedScript ReadLines(CTextFile& file, FindingList& findings) {
         if (isBehindEnd) continue;
         script.hasGoto = script.hasGoto || line->kind == LineKind::kGoto;
         script.hasInclude = script.hasInclude || line->key == u"include";
-        if (line->kind == LineKind::kVar && line->words >= 2)
+        if (line->kind == LineKind::kVar && !line->operand.empty())
             script.declarations.try_emplace(std::u16string(DeclaredName(*line)), line->number);
         script.lines.push_back(text);
     }

@@ -37,31 +37,34 @@ constexpr std::array kHeadWords = {
     Word{u"if", LineKind::kIf},       Word{u"var", LineKind::kVar},
 };
 
-size_t CountWords(std::u16string_view text) {
-    size_t count = 0;
-    bool isInside = false;
-    for (const char16_t unit : text) {
-        if (unit != u' ' && !isInside) ++count;
-        isInside = unit != u' ';
-    }
-    return count;
-}
-
 template <typename Table>
 const Word* Find(const Table& table, std::u16string_view word) {
     const auto found = std::find_if(table.begin(), table.end(), [word](const Word& row) { return row.word == word; });
     return found == table.end() ? nullptr : &*found;
 }
 
-LineKind Classify(std::u16string_view statement) {
-    if (statement.empty() || statement.starts_with(u"//")) return LineKind::kNothing;
-    const std::u16string lower = AsciiLower(statement);
-    if (const Word* const word = Find(kStatementWords, lower)) return word->kind;
-    const Word* const head = Find(kHeadWords, TrimView(std::u16string_view(lower).substr(0, lower.find(u' '))));
-    return head == nullptr ? LineKind::kStatement : head->kind;
+// Sets the kind of the line, and the operand where it has one.
+void Classify(ScriptLine& line) {
+    line.kind = LineKind::kNothing;
+    if (line.statement.empty() || line.statement.starts_with(u"//")) return;
+    line.kind = LineKind::kStatement;
+    if (const Word* const word = Find(kStatementWords, AsciiLower(line.statement))) {
+        line.kind = word->kind;
+    } else if (const Word* const head = Find(kHeadWords, AsciiLower(TrimView(HeadOf(line.statement))))) {
+        line.kind = head->kind;
+        line.operand = TrimView(line.statement.substr(head->word.size()));
+    }
 }
 
 }  // namespace
+
+std::u16string_view HeadOf(std::u16string_view statement) {
+    return statement.substr(0, statement.find(u' '));
+}
+
+std::u16string_view DeclaredName(const ScriptLine& line) {
+    return TrimView(line.operand.substr(0, line.operand.find(u'=')));
+}
 
 std::vector<std::u16string_view> StatementWords() {
     std::vector<std::u16string_view> words;
@@ -79,8 +82,7 @@ std::unique_ptr<ScriptLine> ParseScriptLine(std::u16string raw, int32_t number) 
     std::replace(line->text.begin(), line->text.end(), u'\t', u' ');
     line->number = number;
     line->statement = TrimView(line->text);
-    line->kind = Classify(line->statement);
-    line->words = CountWords(line->statement);
+    Classify(*line);
     line->isPlainNext = EqualNoCase(line->statement, u"next");
 
     const size_t equals = line->statement.find(u'=');

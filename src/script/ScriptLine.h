@@ -36,13 +36,13 @@ enum class LineKind : uint8_t {
 };
 
 // "	Name = a, b " gives raw = the same, text = " Name = a, b ", statement = "Name = a, b", target = "Name",
-// key = "name", value = "a, b". The views point into `text`; a line never moves.
+// key = "name", value = "a, b"; "if x == 1" gives operand = "x == 1". The views point into `text`; a line never moves.
 struct ScriptLine {
     std::u16string raw;             // as in the file, with ?SelectedCount?, ?ScriptName? and ?ScriptPath? replaced
     std::u16string text;            // the same with blanks for tabs
     std::u16string_view statement;  // trimmed
     LineKind kind = LineKind::kStatement;
-    size_t words = 0;            // pieces of the statement between blanks, empty ones not counted
+    std::u16string_view operand;    // what stands behind the word of a line of kFor to kVar, trimmed
     int32_t number = 0;          // in the file, from 1
     bool isPlainNext = false;    // the statement is "next" and nothing else
     bool hasValue = false;       // there is a "="
@@ -58,6 +58,12 @@ struct ScriptLine {
     ScriptLine(const ScriptLine&) = delete;
     ScriptLine& operator=(const ScriptLine&) = delete;
 };
+
+// The first piece of a statement between blanks.
+std::u16string_view HeadOf(std::u16string_view statement);
+
+// The name that a line "var ..." declares; empty when there is none.
+std::u16string_view DeclaredName(const ScriptLine& line);
 
 // The words that are a statement, or that begin one, without a "=".
 std::vector<std::u16string_view> StatementWords();

@@ -24,10 +24,6 @@ const BlockWords& WordsOf(LineKind opener) {
                          [opener](const BlockWords& words) { return words.opener == opener; });
 }
 
-std::u16string_view HeadOf(const ScriptLine& line) {
-    return line.statement.substr(0, line.statement.find(u' '));
-}
-
 bool Leaves(const ScriptLine& line) {
     switch (line.kind) {
         case LineKind::kExit:
@@ -79,11 +75,11 @@ void BlockCheck::Close(const ScriptLine& line, LineKind opener) {
     const auto block =
         std::find_if(open_.rbegin(), open_.rend(), [opener](const OpenBlock& open) { return open.opener == opener; });
     if (block == open_.rend()) {
-        findings_.Add(line, HeadOf(line), "block", Quoted(words.close) + u" without " + Quoted(words.open));
+        findings_.Add(line, HeadOf(line.statement), "block", Quoted(words.close) + u" without " + Quoted(words.open));
         return;
     }
     if (block != open_.rbegin()) {
-        findings_.Add(line, HeadOf(line), "block",
+        findings_.Add(line, HeadOf(line.statement), "block",
                       Quoted(words.close) + u" of the " + Quoted(words.open) + u" of " + LineName(block->line->number) +
                           u" while the " + Quoted(WordsOf(open_.back().opener).open) + u" of " +
                           LineName(open_.back().line->number) + u" is still open");
@@ -106,7 +102,7 @@ void BlockCheck::Visit(const std::shared_ptr<const ScriptLine>& visited) {
     switch (line.kind) {
         case LineKind::kFor:
             if (isInFor()) {
-                findings_.Add(line, HeadOf(line), "nested-loop",
+                findings_.Add(line, HeadOf(line.statement), "nested-loop",
                               u"a \"for\" inside of a \"for\": both walk the same items together");
             }
             [[fallthrough]];
@@ -132,7 +128,7 @@ void BlockCheck::Visit(const std::shared_ptr<const ScriptLine>& visited) {
             break;
         case LineKind::kContinue:
         case LineKind::kBreak:
-            if (!isInLoop()) findings_.Add(line, HeadOf(line), "block", Quoted(HeadOf(line)) + u" outside of a loop");
+            if (!isInLoop()) findings_.Add(line, HeadOf(line.statement), "block", Quoted(HeadOf(line.statement)) + u" outside of a loop");
             break;
         default:
             break;
@@ -142,7 +138,7 @@ void BlockCheck::Visit(const std::shared_ptr<const ScriptLine>& visited) {
 void BlockCheck::Finish() {
     for (const OpenBlock& block : open_) {
         const BlockWords& words = WordsOf(block.opener);
-        findings_.Add(*block.line, HeadOf(*block.line), "block",
+        findings_.Add(*block.line, HeadOf(block.line->statement), "block",
                       Quoted(words.open) + u" without " + Quoted(words.close));
     }
     open_.clear();

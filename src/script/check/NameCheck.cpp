@@ -10,7 +10,6 @@
 #include "script/StatementTable.h"
 #include "text/AsciiCase.h"
 #include "text/Numbers.h"
-#include "text/Trim.h"
 
 namespace kinsort {
 namespace {
@@ -35,16 +34,7 @@ std::vector<std::u16string> KeyNames() {
     return names;
 }
 
-std::u16string_view HeadOf(std::u16string_view statement) {
-    return statement.substr(0, statement.find(u' '));
-}
-
 }  // namespace
-
-std::u16string_view DeclaredName(const ScriptLine& line) {
-    const std::u16string_view declaration = line.statement.substr(3);
-    return TrimView(declaration.substr(0, declaration.find(u'=')));
-}
 
 NameCheck::NameCheck(const CheckedScript& script, const BlockCheck& blocks, FindingList& findings)
     : script_(script), blocks_(blocks), findings_(findings), values_(variables_, findings) {}
@@ -54,9 +44,8 @@ void NameCheck::Visit(const ScriptLine& line) {
         case LineKind::kVar:
             return VisitDeclaration(line);
         case LineKind::kIf:
-            return VisitCondition(line, 3);
         case LineKind::kWhile:
-            return VisitCondition(line, 6);
+            return VisitCondition(line);
         case LineKind::kGoto:
             return VisitGoto(line);
         case LineKind::kStatement:
@@ -73,7 +62,7 @@ void NameCheck::Visit(const ScriptLine& line) {
 // --- declarations ----------------------------------------------------------------------------------------------------
 
 void NameCheck::VisitDeclaration(const ScriptLine& line) {
-    if (line.words < 2) {
+    if (line.operand.empty()) {
         findings_.Add(line, line.statement, "operand", u"\"var\" needs a name");
         return;
     }
@@ -212,12 +201,12 @@ void NameCheck::VisitUnknown(const ScriptLine& line) {
 
 // --- control flow ----------------------------------------------------------------------------------------------------
 
-void NameCheck::VisitCondition(const ScriptLine& line, size_t skipped) {
-    if (line.words < 2) {
+void NameCheck::VisitCondition(const ScriptLine& line) {
+    const std::u16string_view condition = line.operand;
+    if (condition.empty()) {
         findings_.Add(line, line.statement, "operand", Quoted(line.statement) + u" needs a condition");
         return;
     }
-    const std::u16string_view condition = line.statement.substr(skipped);
     values_.VisitTokens(line, condition);
     for (const auto& [foreign, own] : kForeignOperators) {
         const size_t position = condition.find(foreign);
@@ -229,17 +218,17 @@ void NameCheck::VisitCondition(const ScriptLine& line, size_t skipped) {
     if (FindConditionOperator(condition).size != 0) return;
     const size_t equals = condition.find(u'=');
     const bool isSingle = equals != condition.npos;
-    findings_.Add(line, isSingle ? condition.substr(equals, 1) : TrimView(condition), "condition",
+    findings_.Add(line, isSingle ? condition.substr(equals, 1) : condition, "condition",
                   isSingle ? u"\"=\" is no operator; did you mean \"==\"?"
                            : u"this condition has no operator (== != < > <= >= ^ !^)");
 }
 
 void NameCheck::VisitGoto(const ScriptLine& line) {
-    if (line.words < 2) {
+    const std::u16string_view label = line.operand;
+    if (label.empty()) {
         findings_.Add(line, line.statement, "operand", u"\"goto\" needs a label");
         return;
     }
-    const std::u16string_view label = TrimView(line.statement.substr(4));
     if (values_.IsOpen(label) || script_.labels.contains(label)) return;
     if (script_.labelsBehindEnd.contains(label)) {
         findings_.Add(line, label, "label",

@@ -25,9 +25,6 @@ struct CheckedScript {
     bool hasInclude = false;
 };
 
-// What stands behind "var", before a "=". `line` is of that kind and has two words or more.
-std::u16string_view DeclaredName(const ScriptLine& line);
-
 class NameCheck {
   public:
     NameCheck(const CheckedScript& script, const BlockCheck& blocks, FindingList& findings);
@@ -47,7 +44,7 @@ class NameCheck {
     void VisitStatement(const ScriptLine& line);
     void VisitAssignment(const ScriptLine& line);
     void VisitUnknown(const ScriptLine& line);
-    void VisitCondition(const ScriptLine& line, size_t skipped);
+    void VisitCondition(const ScriptLine& line);
     void VisitGoto(const ScriptLine& line);
     bool IsVariable(std::u16string_view target) const;
 
