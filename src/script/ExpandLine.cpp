@@ -7,7 +7,6 @@
 #include "framework/VelFolders.h"
 #include "script/ItemTokens.h"
 #include "text/Numbers.h"
-#include "text/Split.h"
 #include "text/Trim.h"
 #include "text/Utf8.h"
 
@@ -42,14 +41,6 @@ constexpr TokenHelp kRunTokens[] = {
     {u"?ScriptName?", u"the script's file name"},
     {u"?ScriptPath?", u"the script's folder, with its backslash"},
 };
-
-std::u16string Quote(std::u16string_view text) {
-    return std::u16string(u"\"").append(text).append(u"\"");
-}
-
-void ReplaceToken(std::u16string& text, std::u16string_view token, std::u16string_view value) {
-    if (text.find(token) != text.npos) text = Replace(text, token, value);
-}
 
 struct FolderToken {
     std::u16string_view token;

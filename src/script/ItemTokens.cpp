@@ -9,10 +9,6 @@ namespace kinsort {
 
 namespace {
 
-std::u16string Quote(std::u16string_view text) {
-    return std::u16string(u"\"").append(text).append(u"\"");
-}
-
 struct SelectedItem {
     std::u16string path;    // short form if it is long and there is one
     std::u16string folder;  // with its separator; empty when there is none
@@ -59,16 +55,20 @@ size_t CountOf(std::u16string_view text, std::u16string_view token) {
     return count;
 }
 
-void ReplaceToken(std::u16string& text, std::u16string_view token, std::u16string_view value) {
-    if (text.find(token) != text.npos) text = Replace(text, token, value);
-}
-
 void RemoveTokens(std::u16string& text) {
     for (const ItemToken& row : kItemTokens)
         ReplaceToken(text, row.token, {});
 }
 
 }  // namespace
+
+std::u16string Quote(std::u16string_view text) {
+    return std::u16string(u"\"").append(text).append(u"\"");
+}
+
+void ReplaceToken(std::u16string& text, std::u16string_view token, std::u16string_view value) {
+    if (text.find(token) != text.npos) text = Replace(text, token, value);
+}
 
 std::vector<TokenHelp> ListItemTokens() {
     std::vector<TokenHelp> tokens;

@@ -18,6 +18,12 @@ struct TokenHelp {
 };
 std::vector<TokenHelp> ListItemTokens();
 
+// The text in quotation marks.
+std::u16string Quote(std::u16string_view text);
+
+// Replaces every occurrence of the token; most texts hold none and are left alone.
+void ReplaceToken(std::u16string& text, std::u16string_view token, std::u16string_view value);
+
 bool HoldsItemToken(std::u16string_view text);
 
 // The text with the tokens replaced by the parts of `item`, in the order of the table; one that the item itself brings

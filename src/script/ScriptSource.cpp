@@ -4,6 +4,7 @@
 #include "text/Trim.h"
 
 namespace kinsort {
+
 std::u16string LabelName(std::u16string_view statement) {
     if (!statement.ends_with(u':')) return {};
     return Trim(statement.substr(0, statement.size() - 1));
