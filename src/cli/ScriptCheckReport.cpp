@@ -64,10 +64,12 @@ ExitCode ReportScriptCheck(CliContext& context, const CommandLine& line) {
         }
         findings += found->size();
         for (const ScriptFinding& finding : *found) {
+            // An included script is named by its path, this one as it was typed.
+            const std::string shown = finding.file == *path ? file : context.services.codec.PathForPeople(finding.file);
             if (isJson)
-                WriteFinding(json, file, finding);
+                WriteFinding(json, shown, finding);
             else
-                PrintFinding(context, file, finding);
+                PrintFinding(context, shown, finding);
         }
     }
     if (isJson) {

@@ -1,8 +1,15 @@
 #include "script/ScriptCheck.h"
 
+#include <algorithm>
+#include <deque>
+#include <iterator>
+#include <set>
 #include <string>
 
+#include "framework/Paths.h"
 #include "framework/TextFile.h"
+#include "script/ItemTokens.h"
+#include "script/Script.h"
 #include "script/ScriptLine.h"
 #include "script/ScriptSource.h"
 #include "script/check/BlockCheck.h"
@@ -54,7 +61,7 @@ CheckedScript ReadLines(CTextFile& file, FindingList& findings) {
     }
     if (file.nextPosition() < file.length()) {
         findings.Add({number + 1, 1, 0, "line-length",
-                      u"this line has 32767 characters or more: the script ends before it", u""});
+                      u"this line has 32767 characters or more: the script ends before it", {}, {}});
     }
     return script;
 }
@@ -64,34 +71,84 @@ std::vector<ScriptFinding> TakeFirst(FindingList& findings) {
     std::vector<ScriptFinding> found = findings.Take();
     if (found.size() <= kMaxFindings) return found;
     found.resize(kMaxFindings);
-    found.push_back({found.back().line, 1, 0, "too-many", u"there is more; mend what stands above first", u""});
+    found.push_back({found.back().line, 1, 0, "too-many", u"there is more; mend what stands above first", {},
+                     found.back().file});
     return found;
+}
+
+// Checks a script and, where they are included, the others, which see and declare the same variables.
+class ScriptChecker {
+  public:
+    explicit ScriptChecker(FileSystem& files) : files_(files) {}
+
+    // False when the file cannot be read.
+    bool CheckFile(std::u16string_view path, bool isInIf);
+    // File by file, as they were met.
+    std::vector<ScriptFinding> Take();
+
+  private:
+    void CheckIncluded(std::u16string_view path, bool isInIf);
+
+    FileSystem& files_;
+    DeclaredNames names_;
+    std::set<std::u16string> met_;      // full paths of all files so far
+    std::deque<FindingList> findings_;  // of each file that was read
+    int depth_ = 0;
+};
+
+bool ScriptChecker::CheckFile(std::u16string_view path, bool isInIf) {
+    met_.insert(GetFullPath(files_, path));
+    CTextFile file(files_);
+    if (file.Open(path) == 0) return false;
+    FindingList& findings = findings_.emplace_back(path);
+    if (LooksLikeBytes(file.GetText())) {
+        findings.Add({1, 1, 0, "encoding",
+                      u"the file is not in UTF-16, which scripts are read as; encode it: iconv -f UTF-8 -t UTF-16", {},
+                      {}});
+        return true;
+    }
+    const CheckedScript script = ReadLines(file, findings);
+    BlockCheck blocks(findings);
+    NameCheck names(script, blocks, isInIf, names_, findings);
+    int32_t number = 0;
+    for (const std::u16string_view text : script.lines) {
+        if (findings.size() > kMaxFindings) return true;
+        const std::shared_ptr<const ScriptLine> line = ParseScriptLine(std::u16string(text), ++number);
+        blocks.Visit(line);
+        names.Visit(*line);
+        if (line->key != u"include" || names_.variables.Find(line->target) != nullptr) continue;
+        std::u16string included(line->value);
+        ReplaceToken(included, u"?ScriptPath?", GetDirectoryPart(path));
+        CheckIncluded(included, names.isInIf());
+    }
+    blocks.Finish();
+    return true;
+}
+
+void ScriptChecker::CheckIncluded(std::u16string_view path, bool isInIf) {
+    const bool isFilledIn = path.find_first_of(u"?%") != path.npos || names_.variables.HoldsNameWithin(path);
+    const std::u16string included = GetFullPath(files_, path);
+    if (!isFilledIn && met_.contains(included)) return;
+    ++depth_;
+    if (isFilledIn || depth_ > kMaxIncludeDepth || !CheckFile(included, isInIf)) names_.mayBeMore = true;
+    --depth_;
+}
+
+std::vector<ScriptFinding> ScriptChecker::Take() {
+    std::vector<ScriptFinding> all;
+    for (FindingList& findings : findings_) {
+        std::vector<ScriptFinding> found = TakeFirst(findings);
+        std::move(found.begin(), found.end(), std::back_inserter(all));
+    }
+    return all;
 }
 
 }  // namespace
 
 std::optional<std::vector<ScriptFinding>> CheckScript(FileSystem& files, std::u16string_view path) {
-    CTextFile file(files);
-    if (file.Open(path) == 0) return std::nullopt;
-    FindingList findings;
-    if (LooksLikeBytes(file.GetText())) {
-        findings.Add({1, 1, 0, "encoding",
-                      u"the file is not in UTF-16, which scripts are read as; encode it: iconv -f UTF-8 -t UTF-16",
-                      u""});
-        return findings.Take();
-    }
-    const CheckedScript script = ReadLines(file, findings);
-    BlockCheck blocks(findings);
-    NameCheck names(script, blocks, findings);
-    int32_t number = 0;
-    for (const std::u16string_view text : script.lines) {
-        if (findings.size() > kMaxFindings) return TakeFirst(findings);
-        const std::shared_ptr<const ScriptLine> line = ParseScriptLine(std::u16string(text), ++number);
-        blocks.Visit(line);
-        names.Visit(*line);
-    }
-    blocks.Finish();
-    return TakeFirst(findings);
+    ScriptChecker checker(files);
+    if (!checker.CheckFile(path, false)) return std::nullopt;
+    return checker.Take();
 }
 
 }  // namespace kinsort

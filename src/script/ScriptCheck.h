@@ -2,8 +2,9 @@
 // match, labels that are missing, arguments that are not there. It knows commands, functions, options and tokens from
 // the tables that also run them.
 //
-// A script is checked by itself. What only a run can know is given the benefit of the doubt: labels, indices and
-// arguments that variables fill in, and, in a script that includes others, variables that may come from there.
+// Scripts that it includes are looked over where they are included, each once, if their path is written out or begins
+// with ?ScriptPath?. What only a run can know is given the benefit of the doubt: labels, indices and arguments that
+// variables fill in, and variables that may come from an included script that could not be read.
 #pragma once
 
 #include <cstddef>
@@ -16,11 +17,11 @@
 
 namespace kinsort {
 
-// So many and no more: a file that is no script at all has something wrong with every line.
+// So many in one file and no more: a file that is no script at all has something wrong with every line.
 constexpr size_t kMaxFindings = 1000;
 
-// By line and column; of more than kMaxFindings, the first that were found and one that says so. Nothing when the file
-// cannot be read.
+// By line and column, those of the script before those of the scripts that it includes; of more than kMaxFindings in one
+// file, the first that were found and one that says so. Nothing when the script itself cannot be read.
 std::optional<std::vector<ScriptFinding>> CheckScript(FileSystem& files, std::u16string_view path);
 
 }  // namespace kinsort

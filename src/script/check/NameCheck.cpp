@@ -4,6 +4,7 @@
 #include <array>
 #include <span>
 
+#include "framework/Paths.h"
 #include "script/Condition.h"
 #include "script/OptionLines.h"
 #include "script/ScriptSource.h"
@@ -36,8 +37,15 @@ std::vector<std::u16string> KeyNames() {
 
 }  // namespace
 
-NameCheck::NameCheck(const CheckedScript& script, const BlockCheck& blocks, FindingList& findings)
-    : script_(script), blocks_(blocks), findings_(findings), values_(variables_, findings) {}
+NameCheck::NameCheck(const CheckedScript& script, const BlockCheck& blocks, bool isInIf, DeclaredNames& names,
+                     FindingList& findings)
+    : script_(script),
+      blocks_(blocks),
+      isIncludedInIf_(isInIf),
+      names_(names),
+      variables_(names.variables),
+      findings_(findings),
+      values_(names.variables, findings) {}
 
 void NameCheck::Visit(const ScriptLine& line) {
     switch (line.kind) {
@@ -80,6 +88,13 @@ void NameCheck::VisitDeclaration(const ScriptLine& line) {
         values_.VisitAssigned(line, value);
 }
 
+// "line 12", "line 12 of settings.ecs" in another script.
+std::u16string NameCheck::PlaceOf(size_t variable) const {
+    const DeclaredNames::Place& place = names_.places[variable];
+    const bool isHere = place.file == findings_.file();
+    return LineName(place.line) + (isHere ? std::u16string() : u" of " + GetFileNamePart(place.file));
+}
+
 // True when the name may not be declared, after a finding or for a reason that is none.
 bool NameCheck::SaysWhyNot(const ScriptLine& line, std::u16string_view part, std::u16string_view name) {
     if (IsReservedWord(name)) {
@@ -88,10 +103,8 @@ bool NameCheck::SaysWhyNot(const ScriptLine& line, std::u16string_view part, std
     }
     if (const std::optional<size_t> index = variables_.IndexOf(name)) {
         // Of two branches, only one is run.
-        if (!blocks_.isInIf() || !declared_[*index].isInIf) {
-            findings_.Add(line, part, "declaration",
-                          Quoted(name) + u" is declared already, in " + LineName(declared_[*index].line));
-        }
+        if (!isInIf() || !names_.places[*index].isInIf)
+            findings_.Add(line, part, "declaration", Quoted(name) + u" is declared already, in " + PlaceOf(*index));
         return true;
     }
     const VariableTable::Entry* const other = variables_.FindOverlap(name);
@@ -100,7 +113,7 @@ bool NameCheck::SaysWhyNot(const ScriptLine& line, std::u16string_view part, std
     const bool isInside = other->name.find(name) != other->name.npos;
     findings_.Add(line, part, "declaration",
                   Quoted(name) + (isInside ? u" is part of " : u" holds ") + Quoted(other->name) + u" of " +
-                      LineName(declared_[index].line) + u": names are filled in anywhere, so none may hold another");
+                      PlaceOf(index) + u": names are filled in anywhere, so none may hold another");
     return true;
 }
 
@@ -130,7 +143,7 @@ void NameCheck::Declare(const ScriptLine& line, std::u16string_view name) {
         const size_t end = made.message.find(u'\n');
         findings_.Add(line, name, "declaration", made.message.substr(0, end));
     }
-    declared_.resize(variables_.entries().size(), {line.number, blocks_.isInIf()});
+    names_.places.resize(variables_.entries().size(), {findings_.file(), line.number, isInIf()});
 }
 
 // --- statements ------------------------------------------------------------------------------------------------------
@@ -192,8 +205,8 @@ void NameCheck::VisitUnknown(const ScriptLine& line) {
     const std::span variables(variables_.entries());
     AddNames(names, variables.first(std::min(variables.size(), kMaxGuessed)), &VariableTable::Entry::name);
     const std::optional<std::u16string> meant = FindMeant(line.target, names);
-    // An included script, or the one that includes this, may have declared the name.
-    if (!meant && script_.hasInclude) return;
+    // A script that was included, or is and jumped back from, may have declared the name.
+    if (!meant && (names_.mayBeMore || (script_.hasInclude && script_.hasGoto))) return;
     findings_.Add(
         line, line.target, "unknown-name",
         u"nothing is called " + Quoted(line.target) + (meant ? DidYouMean(meant) : u": the line does nothing"));

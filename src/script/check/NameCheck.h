@@ -25,19 +25,32 @@ struct CheckedScript {
     bool hasInclude = false;
 };
 
-class NameCheck {
-  public:
-    NameCheck(const CheckedScript& script, const BlockCheck& blocks, FindingList& findings);
-
-    // Each line in turn, after `blocks` has seen it.
-    void Visit(const ScriptLine& line);
-
-  private:
-    struct DeclaredAt {
+// What a script and those that it includes have declared so far.
+struct DeclaredNames {
+    struct Place {
+        std::u16string_view file;  // as its FindingList names it
         int32_t line;
         bool isInIf;
     };
 
+    VariableTable variables;
+    std::vector<Place> places;  // for each entry of `variables`
+    bool mayBeMore = false;     // a script was included that could not be read beforehand
+};
+
+class NameCheck {
+  public:
+    // `isInIf`: the script is included inside of an if-block.
+    NameCheck(const CheckedScript& script, const BlockCheck& blocks, bool isInIf, DeclaredNames& names,
+              FindingList& findings);
+
+    // Each line in turn, after `blocks` has seen it.
+    void Visit(const ScriptLine& line);
+
+    // Of the line that was visited last.
+    bool isInIf() const { return isIncludedInIf_ || blocks_.isInIf(); }
+
+  private:
     void VisitDeclaration(const ScriptLine& line);
     void Declare(const ScriptLine& line, std::u16string_view name);
     bool SaysWhyNot(const ScriptLine& line, std::u16string_view part, std::u16string_view name);
@@ -47,12 +60,14 @@ class NameCheck {
     void VisitCondition(const ScriptLine& line);
     void VisitGoto(const ScriptLine& line);
     bool IsVariable(std::u16string_view target) const;
+    std::u16string PlaceOf(size_t variable) const;
 
     const CheckedScript& script_;
     const BlockCheck& blocks_;
+    const bool isIncludedInIf_;
+    DeclaredNames& names_;
+    VariableTable& variables_;  // of names_
     FindingList& findings_;
-    VariableTable variables_;
-    std::vector<DeclaredAt> declared_;  // for each entry of variables_
     ValueCheck values_;
 };
 

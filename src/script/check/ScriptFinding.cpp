@@ -11,7 +11,12 @@ namespace kinsort {
 
 void FindingList::Add(const ScriptLine& line, std::u16string_view part, std::string_view rule, std::u16string message) {
     const auto offset = static_cast<size_t>(part.data() - line.text.data());
-    Add({line.number, offset + 1, part.size(), rule, std::move(message), line.raw});
+    Add({line.number, offset + 1, part.size(), rule, std::move(message), line.raw, {}});
+}
+
+void FindingList::Add(ScriptFinding finding) {
+    finding.file = file_;
+    findings_.push_back(std::move(finding));
 }
 
 std::vector<ScriptFinding> FindingList::Take() {

@@ -1,4 +1,4 @@
-// One thing that is wrong with a script, and where.
+// One thing that is wrong with a script or with one that it includes, and where.
 #pragma once
 
 #include <cstddef>
@@ -18,14 +18,20 @@ struct ScriptFinding {
     std::string_view rule;  // a short name that stays the same: "unknown-name"
     std::u16string message;
     std::u16string text;  // the line as it stands in the file
+    std::u16string file;  // the path of the script that it stands in
 };
 
-// Findings as they are made.
+// Findings in one file as they are made.
 class FindingList {
   public:
+    explicit FindingList(std::u16string_view file) : file_(file) {}
+
+    const std::u16string& file() const { return file_; }
+
     // `part` is a piece of line.text.
     void Add(const ScriptLine& line, std::u16string_view part, std::string_view rule, std::u16string message);
-    void Add(ScriptFinding finding) { findings_.push_back(std::move(finding)); }
+    // Anywhere in the file; `finding.file` is filled in.
+    void Add(ScriptFinding finding);
 
     size_t size() const { return findings_.size(); }
 
@@ -33,6 +39,7 @@ class FindingList {
     std::vector<ScriptFinding> Take();
 
   private:
+    std::u16string file_;
     std::vector<ScriptFinding> findings_;
 };
 
