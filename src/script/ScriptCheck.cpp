@@ -60,8 +60,13 @@ CheckedScript ReadLines(CTextFile& file, FindingList& findings) {
         script.lines.push_back(text);
     }
     if (file.nextPosition() < file.length()) {
-        findings.Add({number + 1, 1, 0, "line-length",
-                      u"this line has 32767 characters or more: the script ends before it", {}, {}});
+        findings.Add({number + 1,
+                      1,
+                      0,
+                      "line-length",
+                      u"this line has 32767 characters or more: the script ends before it",
+                      {},
+                      {}});
     }
     return script;
 }
@@ -71,8 +76,8 @@ std::vector<ScriptFinding> TakeFirst(FindingList& findings) {
     std::vector<ScriptFinding> found = findings.Take();
     if (found.size() <= kMaxFindings) return found;
     found.resize(kMaxFindings);
-    found.push_back({found.back().line, 1, 0, "too-many", u"there is more; mend what stands above first", {},
-                     found.back().file});
+    found.push_back(
+        {found.back().line, 1, 0, "too-many", u"there is more; mend what stands above first", {}, found.back().file});
     return found;
 }
 
@@ -102,8 +107,12 @@ bool ScriptChecker::CheckFile(std::u16string_view path, bool isInIf) {
     if (file.Open(path) == 0) return false;
     FindingList& findings = findings_.emplace_back(path);
     if (LooksLikeBytes(file.GetText())) {
-        findings.Add({1, 1, 0, "encoding",
-                      u"the file is not in UTF-16, which scripts are read as; encode it: iconv -f UTF-8 -t UTF-16", {},
+        findings.Add({1,
+                      1,
+                      0,
+                      "encoding",
+                      u"the file is not in UTF-16, which scripts are read as; encode it: iconv -f UTF-8 -t UTF-16",
+                      {},
                       {}});
         return true;
     }

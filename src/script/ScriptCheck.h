@@ -20,8 +20,8 @@ namespace kinsort {
 // So many in one file and no more: a file that is no script at all has something wrong with every line.
 constexpr size_t kMaxFindings = 1000;
 
-// By line and column, those of the script before those of the scripts that it includes; of more than kMaxFindings in one
-// file, the first that were found and one that says so. Nothing when the script itself cannot be read.
+// By line and column, those of the script before those of the scripts that it includes; of more than kMaxFindings in
+// one file, the first that were found and one that says so. Nothing when the script itself cannot be read.
 std::optional<std::vector<ScriptFinding>> CheckScript(FileSystem& files, std::u16string_view path);
 
 }  // namespace kinsort

@@ -42,13 +42,13 @@ struct ScriptLine {
     std::u16string text;            // the same with blanks for tabs
     std::u16string_view statement;  // trimmed
     LineKind kind = LineKind::kStatement;
-    std::u16string_view operand;    // what stands behind the word of a line of kFor to kVar, trimmed
-    int32_t number = 0;          // in the file, from 1
-    bool isPlainNext = false;    // the statement is "next" and nothing else
-    bool hasValue = false;       // there is a "="
-    std::u16string key;          // before the first "=", trimmed, lower case; empty without a "="
-    std::u16string_view target;  // the same with its case kept
-    std::u16string_view value;   // behind the "=", trimmed
+    std::u16string_view operand;  // what stands behind the word of a line of kFor to kVar, trimmed
+    int32_t number = 0;           // in the file, from 1
+    bool isPlainNext = false;     // the statement is "next" and nothing else
+    bool hasValue = false;        // there is a "="
+    std::u16string key;           // before the first "=", trimmed, lower case; empty without a "="
+    std::u16string_view target;   // the same with its case kept
+    std::u16string_view value;    // behind the "=", trimmed
 
     // What the key names; null when it names nothing of the kind.
     const OptionLineRow* option = nullptr;

@@ -128,7 +128,9 @@ void BlockCheck::Visit(const std::shared_ptr<const ScriptLine>& visited) {
             break;
         case LineKind::kContinue:
         case LineKind::kBreak:
-            if (!isInLoop()) findings_.Add(line, HeadOf(line.statement), "block", Quoted(HeadOf(line.statement)) + u" outside of a loop");
+            if (!isInLoop())
+                findings_.Add(line, HeadOf(line.statement), "block",
+                              Quoted(HeadOf(line.statement)) + u" outside of a loop");
             break;
         default:
             break;

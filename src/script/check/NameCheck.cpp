@@ -22,14 +22,8 @@ constexpr std::pair<std::u16string_view, std::u16string_view> kForeignOperators[
 // Of variables and of labels, for "did you mean": a script with more is no person's.
 constexpr size_t kMaxGuessed = 2000;
 
-template <typename Rows, typename Name>
-void AddNames(std::vector<std::u16string>& names, const Rows& rows, Name name) {
-    for (const auto& row : rows)
-        names.emplace_back(row.*name);
-}
-
-std::vector<std::u16string> KeyNames() {
-    std::vector<std::u16string> names;
+NameList KeyNames() {
+    NameList names;
     AddNames(names, Statements(), &StatementRow::keyword);
     AddNames(names, OptionLines(), &OptionLineRow::name);
     return names;
@@ -181,10 +175,8 @@ void NameCheck::VisitUnknown(const ScriptLine& line) {
         const std::u16string_view head = HeadOf(line.statement);
         const bool isCommand =
             FindStatement(AsciiLower(head)) != nullptr || FindOptionLine(AsciiLower(head)) != nullptr;
-        const std::vector<std::u16string_view> known = StatementWords();
-        const std::vector<std::u16string> words(known.begin(), known.end());
-        const std::u16string why =
-            isCommand ? u": " + Quoted(head) + u" needs a \"=\" behind it" : DidYouMean(FindMeant(head, words));
+        const std::u16string why = isCommand ? u": " + Quoted(head) + u" needs a \"=\" behind it"
+                                             : DidYouMean(FindMeant(head, StatementWords()));
         findings_.Add(line, head, "unknown-line", u"nothing knows this line" + why);
         return;
     }
@@ -201,10 +193,10 @@ void NameCheck::VisitUnknown(const ScriptLine& line) {
                       Quoted(line.target) + u" is declared only in " + LineName(later->second));
         return;
     }
-    std::vector<std::u16string> names = KeyNames();
+    NameList names = KeyNames();
     const std::span variables(variables_.entries());
     AddNames(names, variables.first(std::min(variables.size(), kMaxGuessed)), &VariableTable::Entry::name);
-    const std::optional<std::u16string> meant = FindMeant(line.target, names);
+    const std::optional<std::u16string_view> meant = FindMeant(line.target, names);
     // A script that was included, or is and jumped back from, may have declared the name.
     if (!meant && (names_.mayBeMore || (script_.hasInclude && script_.hasGoto))) return;
     findings_.Add(
@@ -225,7 +217,7 @@ void NameCheck::VisitCondition(const ScriptLine& line) {
         const size_t position = condition.find(foreign);
         if (position == condition.npos) continue;
         findings_.Add(line, condition.substr(position, 2), "condition",
-                      Quoted(foreign) + u" is no operator" + DidYouMean(std::u16string(own)));
+                      Quoted(foreign) + u" is no operator" + DidYouMean(own));
         return;
     }
     if (FindConditionOperator(condition).size != 0) return;
@@ -248,7 +240,7 @@ void NameCheck::VisitGoto(const ScriptLine& line) {
                       u"the label " + Quoted(label) + u" stands behind \"EOF\", where nothing is read");
         return;
     }
-    std::vector<std::u16string> names;
+    NameList names;
     for (const auto& [name, number] : script_.labels)
         if (names.size() < kMaxGuessed) names.push_back(name);
     findings_.Add(line, label, "label", u"there is no label " + Quoted(label) + DidYouMean(FindMeant(label, names)));

@@ -41,23 +41,15 @@ std::u16string ArgumentsText(std::u16string_view name, std::string_view verb, si
     return Quoted(name) + u" " + FromUtf8(verb) + u" " + CountText(count) + u" (" + FromUtf8(synopsis) + u")";
 }
 
-const std::vector<std::u16string>& FunctionNames() {
-    static const std::vector<std::u16string> names = [] {
-        std::vector<std::u16string> all;
-        for (const FunctionRow& row : Functions())
-            all.emplace_back(row.name);
-        return all;
-    }();
+NameList FunctionNames() {
+    NameList names;
+    AddNames(names, Functions(), &FunctionRow::name);
     return names;
 }
 
-const std::vector<std::u16string>& TokenNames() {
-    static const std::vector<std::u16string> names = [] {
-        std::vector<std::u16string> all;
-        for (const TokenHelp& row : ListTokens())
-            all.emplace_back(row.token);
-        return all;
-    }();
+NameList TokenNames() {
+    NameList names;
+    AddNames(names, ListTokens(), &TokenHelp::token);
     return names;
 }
 
@@ -74,20 +66,20 @@ bool LooksLikeDate(std::u16string_view text) {
 
 }  // namespace
 
-std::optional<std::u16string> FindMeant(std::u16string_view typed, const std::vector<std::u16string>& names) {
-    const std::u16string* best = nullptr;
+std::optional<std::u16string_view> FindMeant(std::u16string_view typed, const NameList& names) {
+    std::optional<std::u16string_view> best;
     size_t fewest = SIZE_MAX;
-    for (const std::u16string& name : names) {
+    for (const std::u16string_view name : names) {
         if (!LooksLikeTypo(typed, name)) continue;
         const size_t distance = EditDistance(typed, name);
         if (distance >= fewest) continue;
-        best = &name;
+        best = name;
         fewest = distance;
     }
-    return best == nullptr ? std::nullopt : std::optional(*best);
+    return best;
 }
 
-std::u16string DidYouMean(const std::optional<std::u16string>& meant) {
+std::u16string DidYouMean(std::optional<std::u16string_view> meant) {
     return meant ? u"; did you mean " + Quoted(*meant) + u"?" : std::u16string();
 }
 
@@ -111,7 +103,7 @@ void ValueCheck::VisitCall(const ScriptLine& line, std::u16string_view value, si
     const FunctionRow* const row = FindFunction(name);
     if (row == nullptr) {
         const bool isWord = std::all_of(name.begin(), name.end(), IsLetter) && !variables_.HoldsNameWithin(name);
-        const std::optional<std::u16string> meant = isWord ? FindMeant(name, FunctionNames()) : std::nullopt;
+        const std::optional<std::u16string_view> meant = isWord ? FindMeant(name, FunctionNames()) : std::nullopt;
         if (meant) findings_.Add(line, name, "function", Quoted(name) + u" is no function" + DidYouMean(meant));
         return;
     }
@@ -184,7 +176,7 @@ void ValueCheck::VisitTokens(const ScriptLine& line, std::u16string_view text) {
 }
 
 void ValueCheck::VisitToken(const ScriptLine& line, std::u16string_view token) {
-    const std::vector<std::u16string>& known = TokenNames();
+    static const NameList known = TokenNames();
     if (std::find(known.begin(), known.end(), token) != known.end()) {
         if (!variables_.HoldsNameWithin(token)) return;
         findings_.Add(line, token, "name-inside", u"a variable is filled in inside of " + Quoted(token) + u" first");
@@ -193,7 +185,7 @@ void ValueCheck::VisitToken(const ScriptLine& line, std::u16string_view token) {
     const bool isForeign = std::any_of(kForeignTokens.begin(), kForeignTokens.end(),
                                        [token](std::u16string_view foreign) { return EqualNoCase(token, foreign); });
     if (isForeign || variables_.HoldsNameWithin(token)) return;
-    const std::optional<std::u16string> meant = FindMeant(token, known);
+    const std::optional<std::u16string_view> meant = FindMeant(token, known);
     if (meant) findings_.Add(line, token, "token", Quoted(token) + u" stands for nothing" + DidYouMean(meant));
 }
 

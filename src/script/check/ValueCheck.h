@@ -35,9 +35,17 @@ class ValueCheck {
     FindingList& findings_;
 };
 
+// Names of rows and entries, which outlive the list.
+using NameList = std::vector<std::u16string_view>;
+template <typename Rows, typename Name>
+void AddNames(NameList& names, const Rows& rows, Name name) {
+    for (const auto& row : rows)
+        names.push_back(row.*name);
+}
+
 // Of the names that `typed` looks like a slip of the pen of, the nearest; nothing when there is none.
-std::optional<std::u16string> FindMeant(std::u16string_view typed, const std::vector<std::u16string>& names);
+std::optional<std::u16string_view> FindMeant(std::u16string_view typed, const NameList& names);
 // "; did you mean ...?", or nothing.
-std::u16string DidYouMean(const std::optional<std::u16string>& meant);
+std::u16string DidYouMean(std::optional<std::u16string_view> meant);
 
 }  // namespace kinsort
