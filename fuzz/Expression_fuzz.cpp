@@ -37,8 +37,8 @@ void CheckNumbers(std::u16string_view text) {
     Require(normalized == text || IsIntegerText(text));
     Require(!IsPlainInteger(text) || FormatInteger(ReadInt64(text)) == text || text == u"-0");
     (void)ReplaceHexLiterals(text);
-    const ConditionOperator found = FindConditionOperator(text);
-    Require(found.position + found.size <= text.size());
+    const Condition condition = SplitCondition(text);
+    Require(condition.left.size() + condition.right.size() <= text.size());
 }
 
 }  // namespace

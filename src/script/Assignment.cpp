@@ -113,7 +113,6 @@ AssignmentResult FindValue(std::u16string_view untrimmed, const std::u16string& 
 // The variable that the left side names; nothing when it names none. `isTooLong` when its index is.
 std::optional<size_t> FindTarget(std::u16string_view left, const VariableTable& variables, const ExpansionScope& scope,
                                  bool& isTooLong) {
-    left = TrimView(left);
     if (left.find(u'[') == left.npos) return variables.IndexOf(left);
     const IndexedName name = SplitIndexedName(left);
     if (!name.isIndexed()) return variables.IndexOf(left);
@@ -125,20 +124,19 @@ std::optional<size_t> FindTarget(std::u16string_view left, const VariableTable& 
 
 }  // namespace
 
-AssignmentResult AssignVariable(std::u16string_view line, std::u16string_view statement, VariableTable& variables,
-                                const ExpansionScope& scope, FunctionCaller& functions) {
-    const size_t equals = line.find(u'=');
-    if (equals == line.npos || variables.empty()) return AssignmentResult::kNotAssignment;
+AssignmentResult AssignVariable(std::u16string_view target, std::u16string_view right, std::u16string_view statement,
+                                VariableTable& variables, const ExpansionScope& scope, FunctionCaller& functions) {
     bool isTooLong = false;
-    const std::optional<size_t> target = FindTarget(line.substr(0, equals), variables, scope, isTooLong);
+    const std::optional<size_t> index = FindTarget(target, variables, scope, isTooLong);
     if (isTooLong) return AssignmentResult::kTooLong;
-    if (!target) return AssignmentResult::kNotAssignment;
-    const std::optional<std::u16string> right = ExpandLine(line.substr(equals + 1), scope, Trimming::kKeep);
-    if (!right) return AssignmentResult::kTooLong;
+    if (!index) return AssignmentResult::kNotAssignment;
+    const std::optional<std::u16string> expanded = ExpandLine(right, scope, Trimming::kKeep);
+    if (!expanded) return AssignmentResult::kTooLong;
 
     std::u16string value;
-    const AssignmentResult result = FindValue(*right, variables.entries()[*target].value, statement, functions, value);
-    if (result == AssignmentResult::kAssigned) variables.AssignAt(*target, std::move(value));
+    const AssignmentResult result =
+        FindValue(*expanded, variables.entries()[*index].value, statement, functions, value);
+    if (result == AssignmentResult::kAssigned) variables.AssignAt(*index, std::move(value));
     return result;
 }
 

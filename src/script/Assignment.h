@@ -61,9 +61,9 @@ enum class AssignmentResult : uint8_t {
     kEnded,           // a function ended the run
 };
 
-// Carries out `line` (tabs already blanks), split at its first "=", when its left side names a variable; the index of
-// an array element is expanded first. `statement` is the trimmed line, which functions quote in their messages.
-AssignmentResult AssignVariable(std::u16string_view line, std::u16string_view statement, VariableTable& variables,
-                                const ExpansionScope& scope, FunctionCaller& functions);
+// Gives `target` (trimmed) what stands right of the "=" (with its blanks), when it names a variable; the index of an
+// array element is expanded first. `statement` is the whole line, which functions quote in their messages.
+AssignmentResult AssignVariable(std::u16string_view target, std::u16string_view right, std::u16string_view statement,
+                                VariableTable& variables, const ExpansionScope& scope, FunctionCaller& functions);
 
 }  // namespace kinsort

@@ -17,8 +17,6 @@ namespace kinsort {
 
 namespace {
 
-using Compare = bool (*)(const std::u16string& left, const std::u16string& right);
-
 // Digits, with a sign or without; nothing at all is a number too.
 bool IsNumeric(std::u16string_view text) {
     if (!text.empty() && (text.front() == u'+' || text.front() == u'-')) text.remove_prefix(1);
@@ -40,7 +38,7 @@ bool MatchesOneOf(const std::u16string& text, const std::u16string& patterns) {
 
 struct Operator {
     std::u16string_view sign;
-    Compare holds;
+    bool (*holds)(const std::u16string& left, const std::u16string& right);
 };
 
 // In the order in which they are looked for.
@@ -55,11 +53,6 @@ constexpr Operator kOperators[] = {
     {u">", [](const std::u16string& left, const std::u16string& right) { return Order(left, right) > 0; }},
 };
 
-struct Found {
-    const Operator* op = nullptr;
-    size_t position = 0;
-};
-
 // The sign that begins here, as an index into kOperators; the number of operators when none does.
 size_t SignAt(std::u16string_view condition, size_t position) {
     const char16_t unit = condition[position];
@@ -69,39 +62,34 @@ size_t SignAt(std::u16string_view condition, size_t position) {
     return std::size(kOperators);
 }
 
-// One look at the text: the first place of the sign that comes first in kOperators.
-Found FindOperator(std::u16string_view condition) {
-    size_t best = std::size(kOperators);
-    size_t place = 0;
-    for (size_t i = 0; i < condition.size() && best > 0; ++i) {
-        const size_t sign = SignAt(condition, i);
-        if (sign >= best) continue;
-        best = sign;
-        place = i;
-    }
-    if (best == std::size(kOperators)) return {};
-    return {&kOperators[best], place};
-}
-
 std::u16string Normalize(std::u16string text) {
     return IsPlainInteger(text) ? std::move(text) : NormalizeNumber(text);
 }
 
 }  // namespace
 
-ConditionOperator FindConditionOperator(std::u16string_view condition) {
-    const Found found = FindOperator(condition);
-    return found.op == nullptr ? ConditionOperator{} : ConditionOperator{found.position, found.op->sign.size()};
+// One look at the text: the first place of the sign that comes first in kOperators.
+Condition SplitCondition(std::u16string_view text) {
+    size_t best = std::size(kOperators);
+    size_t place = 0;
+    for (size_t i = 0; i < text.size() && best > 0; ++i) {
+        const size_t sign = SignAt(text, i);
+        if (sign >= best) continue;
+        best = sign;
+        place = i;
+    }
+    if (best == std::size(kOperators)) return {};
+    const Operator& op = kOperators[best];
+    return {text.substr(0, place), text.substr(place + op.sign.size()), op.holds};
 }
 
-ConditionResult EvaluateCondition(std::u16string_view condition, const ExpansionScope& scope) {
-    const auto [op, position] = FindOperator(condition);
-    if (op == nullptr) return ConditionResult::kNoOperator;
-    auto left = ExpandLine(condition.substr(0, position), scope, Trimming::kTrim);
-    auto right = ExpandLine(condition.substr(position + op->sign.size()), scope, Trimming::kTrim);
+ConditionResult EvaluateCondition(const Condition& condition, const ExpansionScope& scope) {
+    if (condition.holds == nullptr) return ConditionResult::kNoOperator;
+    auto left = ExpandLine(condition.left, scope, Trimming::kTrim);
+    auto right = ExpandLine(condition.right, scope, Trimming::kTrim);
     if (!left || !right) return ConditionResult::kTooLong;
-    return op->holds(Normalize(std::move(*left)), Normalize(std::move(*right))) ? ConditionResult::kTrue
-                                                                                : ConditionResult::kFalse;
+    const bool holds = condition.holds(Normalize(std::move(*left)), Normalize(std::move(*right)));
+    return holds ? ConditionResult::kTrue : ConditionResult::kFalse;
 }
 
 }  // namespace kinsort

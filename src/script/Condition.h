@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
 #include <string_view>
 
 #include "script/ExpandLine.h"
@@ -15,17 +16,19 @@ enum class ConditionResult : int8_t {
     kTooLong = 2,     // ExpandLine gave nothing
 };
 
+// Taken apart; the views point into the text.
+struct Condition {
+    std::u16string_view left;
+    std::u16string_view right;
+    bool (*holds)(const std::u16string& left, const std::u16string& right) = nullptr;  // null: there is no operator
+};
+
 // The operator is looked for before anything is filled in, in this order wherever it stands: == != !^ ^ <= >= < >.
+Condition SplitCondition(std::u16string_view text);
+
 // Both sides are expanded, trimmed and brought into number form; == and != compare without regard to case, < and its
 // kind by value where both sides are whole numbers and in natural order where not, ^ and !^ with patterns
 // ("*.txt;*.log") that must match the whole left side.
-ConditionResult EvaluateCondition(std::u16string_view condition, const ExpansionScope& scope);
-
-// Where the operator of a condition stands. `size` 0: there is none.
-struct ConditionOperator {
-    size_t position = 0;
-    size_t size = 0;
-};
-ConditionOperator FindConditionOperator(std::u16string_view condition);
+ConditionResult EvaluateCondition(const Condition& condition, const ExpansionScope& scope);
 
 }  // namespace kinsort

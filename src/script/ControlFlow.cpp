@@ -1,6 +1,5 @@
 #include "script/ControlFlow.h"
 
-#include "script/Condition.h"
 #include "script/ScriptLine.h"
 #include "script/ScriptRun.h"
 #include "text/Numbers.h"
@@ -85,7 +84,7 @@ bool IsTakenByLoopSkip(ScriptRun& run, const ScriptLine& line) {
 
 LineOutcome RunIf(ScriptRun& run, const ScriptLine& line) {
     if (line.operand.empty()) return run.Fail(ScriptError::kSyntax, line.statement);
-    const ConditionResult result = EvaluateCondition(line.operand, run.scope);
+    const ConditionResult result = EvaluateCondition(line.condition, run.scope);
     if (result != ConditionResult::kTrue && result != ConditionResult::kFalse) return FailCondition(run, result, line);
     run.flow.ifs.push_back(result == ConditionResult::kTrue ? IfState::kThenRunning : IfState::kThenSkipping);
     return LineOutcome::kNextLine;
@@ -125,7 +124,7 @@ LineOutcome RunWhile(ScriptRun& run, const ScriptLine& line) {
     FlowState& flow = run.flow;
     if (line.operand.empty()) return run.Fail(ScriptError::kSyntax, line.statement);
     if (flow.doBodies.empty()) return run.FailWith(MissingOpenerText(u"while", u"do").append(line.statement));
-    const ConditionResult result = EvaluateCondition(line.operand, run.scope);
+    const ConditionResult result = EvaluateCondition(line.condition, run.scope);
     if (result == ConditionResult::kTrue) return MoveTo(run, flow.doBodies.back());
     if (result != ConditionResult::kFalse) return FailCondition(run, result, line);
     CloseDoLoop(flow);

@@ -95,9 +95,7 @@ void FillInFolders(std::u16string& text, const ExpansionScope& scope) {
 }
 
 void FillInPathTokens(std::u16string& text, const ExpansionScope& scope) {
-    const size_t first = text.find_first_of(u"%?");
-    if (first == text.npos) return;
-    if (text.find(u'%', first) != text.npos) text = scope.folders.ExpandDirectoryMacros(text);
+    if (text.find(u'%') != text.npos) text = scope.folders.ExpandDirectoryMacros(text);
     if (text.find(u'?') == text.npos) return;
     FillInDates(text, scope.clock);
     FillInFolders(text, scope);
@@ -114,9 +112,7 @@ std::optional<std::u16string> ExpandLine(std::u16string_view text, const Expansi
         out = FillInItem(out, scope.selectedItems[index], scope.system);
     if (trimming == Trimming::kTrim) {
         const std::u16string_view trimmed = TrimView(out);
-        const auto begin = static_cast<size_t>(trimmed.data() - out.data());
-        out.erase(begin + trimmed.size());
-        out.erase(0, begin);
+        if (trimmed.size() != out.size()) out = std::u16string(trimmed);
     }
     return out;
 }

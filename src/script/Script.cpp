@@ -61,10 +61,10 @@ LineOutcome RunRemoveSelectItems(ScriptRun& run, const ScriptLine&) {
 
 // --- statements ------------------------------------------------------------------------------------------------------
 
-// What the line became; nothing when it is no assignment. `text` is the line or what stands behind "var".
-std::optional<LineOutcome> TryAssign(ScriptRun& run, const ScriptLine& line, std::u16string_view text) {
+// What the line became; nothing when it is no assignment.
+std::optional<LineOutcome> TryAssign(ScriptRun& run, const ScriptLine& line) {
     RunFunctions functions(run);
-    switch (AssignVariable(text, line.statement, run.variables, run.scope, functions)) {
+    switch (AssignVariable(line.target, line.right, line.statement, run.variables, run.scope, functions)) {
         case AssignmentResult::kAssigned:
             return LineOutcome::kNextLine;
         case AssignmentResult::kNotAssignment:
@@ -129,7 +129,7 @@ LineOutcome RunStatement(ScriptRun& run, const ScriptLine& line) {
     if (line.option == nullptr || !line.option->isFreeOfOpenMode) KeepForcedOpenMode(run);
     if (line.option != nullptr) return RunOptionLine(run, line);
     if (line.hasValue) {
-        if (const std::optional<LineOutcome> outcome = TryAssign(run, line, line.text)) return *outcome;
+        if (const std::optional<LineOutcome> outcome = TryAssign(run, line)) return *outcome;
     }
     if (line.command != nullptr) return RunCommand(run, line);
     return RunUnclaimed(run, line);
@@ -138,14 +138,14 @@ LineOutcome RunStatement(ScriptRun& run, const ScriptLine& line) {
 // "var x", "var x = 5".
 LineOutcome RunVar(ScriptRun& run, const ScriptLine& line) {
     if (line.operand.empty()) return run.Fail(ScriptError::kSyntax, line.statement);
-    const Declaration made = DeclareVariable(run.variables, DeclaredName(line));
+    const Declaration made = DeclareVariable(run.variables, line.target);
     if (made.created == 0) {
         if (!made.message.empty()) run.Tell(made.message);
         run.session.ending = ScriptEnding::kError;
         return LineOutcome::kEndWithZero;
     }
     if (!line.hasValue) return LineOutcome::kNextLine;
-    if (const std::optional<LineOutcome> outcome = TryAssign(run, line, line.operand)) return *outcome;
+    if (const std::optional<LineOutcome> outcome = TryAssign(run, line)) return *outcome;
     return RunUnclaimed(run, line);  // an array as a whole
 }
 

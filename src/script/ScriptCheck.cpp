@@ -44,6 +44,10 @@ void CollectLabel(const ScriptLine& line, bool isBehindEnd, CheckedScript& scrip
                  u"the label " + Quoted(name) + u" is defined already, in " + LineName(first->second) + why);
 }
 
+bool IsInclude(const ScriptLine& line) {
+    return line.kind == LineKind::kStatement && line.key == u"include";
+}
+
 CheckedScript ReadLines(CTextFile& file, FindingList& findings) {
     CheckedScript script;
     bool isBehindEnd = false;
@@ -54,9 +58,9 @@ CheckedScript ReadLines(CTextFile& file, FindingList& findings) {
         isBehindEnd = isBehindEnd || line->kind == LineKind::kEndOfFile;
         if (isBehindEnd) continue;
         script.hasGoto = script.hasGoto || line->kind == LineKind::kGoto;
-        script.hasInclude = script.hasInclude || line->key == u"include";
+        script.hasInclude = script.hasInclude || IsInclude(*line);
         if (line->kind == LineKind::kVar && !line->operand.empty())
-            script.declarations.try_emplace(std::u16string(DeclaredName(*line)), line->number);
+            script.declarations.try_emplace(std::u16string(line->target), line->number);
         script.lines.push_back(text);
     }
     if (file.nextPosition() < file.length()) {
@@ -125,7 +129,7 @@ bool ScriptChecker::CheckFile(std::u16string_view path, bool isInIf) {
         const std::shared_ptr<const ScriptLine> line = ParseScriptLine(std::u16string(text), ++number);
         blocks.Visit(line);
         names.Visit(*line);
-        if (line->key != u"include" || names_.variables.Find(line->target) != nullptr) continue;
+        if (!IsInclude(*line) || names_.variables.Find(line->target) != nullptr) continue;
         std::u16string included(line->value);
         ReplaceToken(included, u"?ScriptPath?", GetDirectoryPart(path));
         CheckIncluded(included, names.isInIf());

@@ -56,14 +56,25 @@ void Classify(ScriptLine& line) {
     }
 }
 
+void SplitAtEquals(ScriptLine& line) {
+    const bool isDeclaration = line.kind == LineKind::kVar;
+    line.hasValue = line.statement.find(u'=') != std::u16string_view::npos;
+    if (!line.hasValue && !isDeclaration) return;
+    const std::u16string_view assignment = isDeclaration ? line.operand : std::u16string_view(line.text);
+    const size_t equals = std::min(assignment.find(u'='), assignment.size());
+    line.target = TrimView(assignment.substr(0, equals));
+    line.key = AsciiLower(line.target);
+    if (line.hasValue) line.right = assignment.substr(equals + 1);
+    line.value = TrimView(line.right);
+    if (line.kind != LineKind::kStatement) return;
+    line.option = FindOptionLine(line.key);
+    line.command = FindStatement(line.key);
+}
+
 }  // namespace
 
 std::u16string_view HeadOf(std::u16string_view statement) {
     return statement.substr(0, statement.find(u' '));
-}
-
-std::u16string_view DeclaredName(const ScriptLine& line) {
-    return TrimView(line.operand.substr(0, line.operand.find(u'=')));
 }
 
 std::vector<std::u16string_view> StatementWords() {
@@ -85,14 +96,8 @@ std::unique_ptr<ScriptLine> ParseScriptLine(std::u16string raw, int32_t number) 
     Classify(*line);
     line->isPlainNext = EqualNoCase(line->statement, u"next");
 
-    const size_t equals = line->statement.find(u'=');
-    line->hasValue = equals != std::u16string_view::npos;
-    if (!line->hasValue) return line;
-    line->target = TrimView(line->statement.substr(0, equals));
-    line->key = AsciiLower(line->target);
-    line->value = TrimView(line->statement.substr(equals + 1));
-    line->option = FindOptionLine(line->key);
-    line->command = FindStatement(line->key);
+    line->condition = SplitCondition(line->operand);
+    SplitAtEquals(*line);
     return line;
 }
 

@@ -8,6 +8,8 @@
 #include <string_view>
 #include <vector>
 
+#include "script/Condition.h"
+
 namespace kinsort {
 
 struct OptionLineRow;
@@ -36,7 +38,8 @@ enum class LineKind : uint8_t {
 };
 
 // "	Name = a, b " gives raw = the same, text = " Name = a, b ", statement = "Name = a, b", target = "Name",
-// key = "name", value = "a, b"; "if x == 1" gives operand = "x == 1". The views point into `text`; a line never moves.
+// key = "name", right = " a, b ", value = "a, b"; "if x == 1" gives operand = "x == 1". The views point into `text`; a
+// line never moves.
 struct ScriptLine {
     std::u16string raw;             // as in the file, with ?SelectedCount?, ?ScriptName? and ?ScriptPath? replaced
     std::u16string text;            // the same with blanks for tabs
@@ -46,9 +49,11 @@ struct ScriptLine {
     int32_t number = 0;           // in the file, from 1
     bool isPlainNext = false;     // the statement is "next" and nothing else
     bool hasValue = false;        // there is a "="
-    std::u16string key;           // before the first "=", trimmed, lower case; empty without a "="
-    std::u16string_view target;   // the same with its case kept
-    std::u16string_view value;    // behind the "=", trimmed
+    std::u16string_view target;   // before the first "=", trimmed; of kVar the name, with a "=" or without
+    std::u16string key;           // the same in lower case
+    std::u16string_view right;    // behind the first "="; what is declared has no blanks at its end
+    std::u16string_view value;    // the same, trimmed
+    Condition condition;          // of kIf and kWhile
 
     // What the key names; null when it names nothing of the kind.
     const OptionLineRow* option = nullptr;
@@ -61,9 +66,6 @@ struct ScriptLine {
 
 // The first piece of a statement between blanks.
 std::u16string_view HeadOf(std::u16string_view statement);
-
-// The name that a line "var ..." declares; empty when there is none.
-std::u16string_view DeclaredName(const ScriptLine& line);
 
 // The words that are a statement, or that begin one, without a "=".
 std::vector<std::u16string_view> StatementWords();

@@ -5,7 +5,6 @@
 #include <span>
 
 #include "framework/Paths.h"
-#include "script/Condition.h"
 #include "script/OptionLines.h"
 #include "script/ScriptSource.h"
 #include "script/StatementTable.h"
@@ -68,18 +67,17 @@ void NameCheck::VisitDeclaration(const ScriptLine& line) {
         findings_.Add(line, line.statement, "operand", u"\"var\" needs a name");
         return;
     }
-    const std::u16string_view name = DeclaredName(line);
+    const std::u16string_view name = line.target;
     if (blocks_.isInLoop()) {
         findings_.Add(line, line.statement, "declaration",
                       u"a declaration inside of a loop ends the run when it comes round again");
     }
     Declare(line, name);
     if (!line.hasValue) return;
-    const std::u16string_view value = std::u16string_view(line.text).substr(line.text.find(u'=') + 1);
     if (variables_.Find(name) == nullptr && variables_.Find(FormatIndexedName(SplitIndexedName(name).base, u"0")))
         findings_.Add(line, name, "declaration", u"an array as a whole takes no value");
     else
-        values_.VisitAssigned(line, value);
+        values_.VisitAssigned(line, line.value);
 }
 
 // "line 12", "line 12 of settings.ecs" in another script.
@@ -220,7 +218,7 @@ void NameCheck::VisitCondition(const ScriptLine& line) {
                       Quoted(foreign) + u" is no operator" + DidYouMean(own));
         return;
     }
-    if (FindConditionOperator(condition).size != 0) return;
+    if (line.condition.holds != nullptr) return;
     const size_t equals = condition.find(u'=');
     const bool isSingle = equals != condition.npos;
     findings_.Add(line, isSingle ? condition.substr(equals, 1) : condition, "condition",
