@@ -11,6 +11,7 @@
 #include "text/NaturalOrder.h"
 #include "text/Numbers.h"
 #include "text/Split.h"
+#include "text/Trim.h"
 #include "text/Wildcard.h"
 
 namespace kinsort {
@@ -80,7 +81,7 @@ Condition SplitCondition(std::u16string_view text) {
     }
     if (best == std::size(kOperators)) return {};
     const Operator& op = kOperators[best];
-    return {text.substr(0, place), text.substr(place + op.sign.size()), op.holds};
+    return {TrimView(text.substr(0, place)), TrimView(text.substr(place + op.sign.size())), op.holds};
 }
 
 ConditionResult EvaluateCondition(const Condition& condition, const ExpansionScope& scope) {

@@ -16,7 +16,7 @@ enum class ConditionResult : int8_t {
     kTooLong = 2,     // ExpandLine gave nothing
 };
 
-// Taken apart; the views point into the text.
+// Taken apart, the sides trimmed; the views point into the text.
 struct Condition {
     std::u16string_view left;
     std::u16string_view right;
