@@ -22,7 +22,9 @@ void NameTrie::Grow() {
 
 void NameTrie::Add(std::u16string_view name, uint32_t number) {
     uint32_t node = kRoot;
+    Mark(firstUnits_, name.front());
     for (const char16_t unit : name) {
+        Mark(units_, unit);
         // Every node but the root has one edge that leads to it.
         if (numbers_.size() * 2 > edges_.size()) Grow();
         Edge& edge = edges_[PlaceOf(Key(node, unit))];
@@ -34,7 +36,6 @@ void NameTrie::Add(std::u16string_view name, uint32_t number) {
         node = edge.child;
     }
     numbers_[node] = number;
-    firstUnits_[name.front() >> 6 & 3] |= uint64_t{1} << (name.front() & 63);
 }
 
 uint32_t NameTrie::Find(std::u16string_view name) const {

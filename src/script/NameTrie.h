@@ -22,23 +22,31 @@ class NameTrie {
     // The number of exactly this name, or kNone.
     uint32_t Find(std::u16string_view name) const;
 
-    // Calls `see(number)` for every occurrence of every name, overlapping ones included.
+    // Calls `see(number, start)` for every occurrence of every name, by start, overlapping ones included, until it
+    // returns false.
     template <typename See>
     void ForEachOccurrence(std::u16string_view text, See&& see) const {
         for (size_t start = 0; start < text.size(); ++start) {
-            if (!MayBegin(text[start])) continue;
+            if (!IsMarked(firstUnits_, text[start])) continue;
             uint32_t node = kRoot;
             for (size_t i = start; i < text.size(); ++i) {
                 node = Child(node, text[i]);
                 if (node == kNone) break;
-                if (numbers_[node] != kNone) see(numbers_[node]);
+                if (numbers_[node] != kNone && !see(numbers_[node], start)) return;
             }
         }
     }
 
+    // True when the unit stands in some name; now and then also when it does not.
+    bool MayHold(char16_t unit) const { return IsMarked(units_, unit); }
+
   private:
     static constexpr uint32_t kRoot = 0;
     static constexpr size_t kDirectUnits = 128;
+
+    using LowBytes = std::array<uint64_t, 4>;  // a bit for the low byte of each unit of a set
+    static bool IsMarked(const LowBytes& set, char16_t unit) { return (set[unit >> 6 & 3] >> (unit & 63) & 1) != 0; }
+    static void Mark(LowBytes& set, char16_t unit) { set[unit >> 6 & 3] |= uint64_t{1} << (unit & 63); }
 
     // One edge of the tree, in an open-addressed table: from a node, by a unit, to a child.
     struct Edge {
@@ -60,12 +68,11 @@ class NameTrie {
     }
     void Grow();
 
-    bool MayBegin(char16_t unit) const { return (firstUnits_[unit >> 6 & 3] >> (unit & 63) & 1) != 0; }
-
     std::vector<uint32_t> numbers_;                     // of each node, kNone where no name ends
     std::vector<Edge> edges_;                           // a power of two of places, at most half of them taken
     std::array<uint32_t, kDirectUnits> firstChildren_;  // of the root, once more, by unit
-    std::array<uint64_t, 4> firstUnits_{};              // a bit for the low byte of each first unit
+    LowBytes firstUnits_{};                             // of each name
+    LowBytes units_{};                                  // of all names
 };
 
 }  // namespace kinsort

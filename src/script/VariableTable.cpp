@@ -32,12 +32,41 @@ struct Occurring {
 Occurring FindOccurring(const VariableTable& table, std::u16string_view text, uint32_t from) {
     Occurring found;
     const std::vector<VariableTable::Entry>& entries = table.entries();
-    table.names().ForEachOccurrence(text, [&](uint32_t number) {
-        if (!entries[number].isReplaced) return;
+    table.names().ForEachOccurrence(text, [&](uint32_t number, size_t) {
+        if (!entries[number].isReplaced) return true;
         found.first = std::min(found.first, number);
         if (number >= from) found.next = std::min(found.next, number);
+        return true;
     });
     return found;
+}
+
+// A value that cannot become part of a name, whatever it stands beside.
+bool IsInert(const NameTrie& names, std::u16string_view value) {
+    return !value.empty() &&
+           std::none_of(value.begin(), value.end(), [&](char16_t unit) { return names.MayHold(unit); });
+}
+
+// One look at the text instead of one for each name: when no two names overlap and all values are inert, their order
+// does not count and nothing is left to replace. False, and nothing changed, when it is not so simple.
+bool ReplaceAtOnce(const VariableTable& table, std::u16string& text) {
+    bool isSimple = true;
+    size_t end = 0;  // of what is in `out`
+    std::u16string out;
+    table.names().ForEachOccurrence(text, [&](uint32_t number, size_t start) {
+        const VariableTable::Entry& entry = table.entries()[number];
+        if (!entry.isReplaced) return true;
+        isSimple = start >= end && IsInert(table.names(), entry.value) &&
+                   out.size() + entry.value.size() <= kMaxExpandedLength;
+        if (!isSimple) return false;
+        out.append(text, end, start - end).append(entry.value);
+        end = start + entry.name.size();
+        return true;
+    });
+    if (!isSimple || end == 0) return isSimple;
+    if (out.size() + text.size() - end > kMaxExpandedLength) return false;
+    text = std::move(out.append(text, end));
+    return true;
 }
 
 // One element or plain name. False, with the message, when it may not be declared.
@@ -105,7 +134,10 @@ bool VariableTable::Assign(std::u16string_view name, std::u16string value) {
 
 bool VariableTable::HoldsNameWithin(std::u16string_view text) const {
     bool holds = false;
-    names_.ForEachOccurrence(text, [&](uint32_t) { holds = true; });
+    names_.ForEachOccurrence(text, [&](uint32_t, size_t) {
+        holds = true;
+        return false;
+    });
     return holds;
 }
 
@@ -127,7 +159,10 @@ size_t VariableTable::FindHolder(std::u16string_view text) const {
 
 const VariableTable::Entry* VariableTable::FindOverlap(std::u16string_view name) const {
     size_t first = FindHolder(name);
-    names_.ForEachOccurrence(name, [&](uint32_t number) { first = std::min<size_t>(first, number); });
+    names_.ForEachOccurrence(name, [&](uint32_t number, size_t) {
+        first = std::min<size_t>(first, number);
+        return true;
+    });
     return first == entries_.size() ? nullptr : &entries_[first];
 }
 
@@ -179,6 +214,7 @@ Declaration DeclareVariable(VariableTable& table, std::u16string_view text) {
 }
 
 bool ExpandVariables(const VariableTable& table, std::u16string& text) {
+    if (ReplaceAtOnce(table, text)) return true;
     Occurring found = FindOccurring(table, text, 0);
     for (int pass = 0; pass < kMaxPasses && found.first != NameTrie::kNone; ++pass) {
         // Nothing is left of this pass when only earlier entries occur; they are the next pass's.

@@ -183,11 +183,12 @@ TEST(ExpandVariables, FollowsNamesThatValuesMake) {
 
 TEST(ExpandVariables, EqualsTheObviousVersion) {
     std::mt19937 random(7);
-    // Few different characters, so that names overlap, values hold names and replacing makes new ones.
-    const auto make = [&random](size_t most, size_t variety) {
+    // Few different characters, so that names overlap, values hold names and replacing makes new ones. In some rounds
+    // most values are numbers, which stand in no name.
+    const auto make = [&random](size_t most, size_t variety, std::u16string_view units = u"abc[]\u3042\u0142\u0141") {
         std::u16string text;
         for (size_t size = random() % (most + 1); text.size() < size;)
-            text += u"abc[]\u3042\u0142\u0141"[random() % variety];
+            text += units[random() % variety];
         return text;
     };
     int expanded = 0;
@@ -195,7 +196,7 @@ TEST(ExpandVariables, EqualsTheObviousVersion) {
         VariableTable table;
         const size_t count = random() % 12;
         for (size_t i = 0; i < count; ++i)
-            table.Create(make(4, 8), make(round % 4 == 0 ? 1 : 3, 8));
+            table.Create(make(4, 8), round % 3 == 0 ? make(3, 5, u"1234a") : make(round % 4 == 0 ? 1 : 3, 8));
         for (int i = 0; i < 3 && !table.empty(); ++i)
             table.Assign(table.entries()[0].name, make(2, 3));
         const std::u16string text = make(12, 8);
