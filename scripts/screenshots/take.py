@@ -7,7 +7,6 @@ usage: take.py KINSORT FOLDER
 
 import contextlib
 import ctypes
-import mmap
 import os
 import shutil
 import struct
@@ -15,6 +14,8 @@ import subprocess
 import sys
 import time
 import zlib
+
+from screen import Screen, environment_below
 
 LANGUAGES = ("ja-JP", "en-US")
 STAGE = "/tmp/demo"  # seen in the pictures
@@ -25,38 +26,16 @@ TAKEN = ("Budget", "budget(2).csv")  # a name that is taken already
 UNMATCHED = "12345.tmp"
 
 
-class Display:
-    """A virtual screen: its picture is a file, its keyboard the XTest extension."""
+class Display(Screen):
+    """A screen with a keyboard, the XTest extension."""
 
     def __init__(self):
-        folder = os.path.join(STAGE, "screen")
-        os.makedirs(folder)
-        read, write = os.pipe()
-        self.server = subprocess.Popen(
-            ["Xvfb", "-displayfd", str(write), "-screen", "0", "1280x1024x24", "-fbdir", folder, "-nocursor",
-             "-nolisten", "tcp"],
-            pass_fds=[write], stderr=subprocess.DEVNULL)
-        os.close(write)
-        self.name = ":" + os.read(read, 16).decode().strip()
-        with open(os.path.join(folder, "Xvfb_screen0"), "rb") as file:
-            self.memory = mmap.mmap(file.fileno(), 0, access=mmap.ACCESS_READ)
-        header = struct.unpack(">25I", self.memory[:100])
-        self.start, self.width, self.height = header[0] + header[19] * 12, header[4], header[5]
-        self.line = header[12]
+        super().__init__()
         self.x11, self.xtest = ctypes.CDLL("libX11.so.6"), ctypes.CDLL("libXtst.so.6")
         self.x11.XOpenDisplay.restype = ctypes.c_void_p
         self.connection = ctypes.c_void_p(self.x11.XOpenDisplay(self.name.encode()))
         self.x11.XDefaultRootWindow.restype = ctypes.c_ulong
         self.root = ctypes.c_ulong(self.x11.XDefaultRootWindow(self.connection))
-        self.blank = self.picture()
-
-    def close(self):
-        self.server.terminate()
-        self.server.wait()
-        shutil.rmtree(os.path.join(STAGE, "screen"))
-
-    def picture(self):
-        return self.memory[self.start:self.start + self.line * self.height]
 
     def settled(self, before):
         """The picture when it has become another one than `before` and no longer changes, but for a caret."""
@@ -65,8 +44,7 @@ class Display:
             if time.monotonic() - begun > GIVE_UP_SECONDS:
                 raise SystemExit("take.py: nothing appears on the display")
             picture = self.picture()
-            lines = sum(picture[at:at + self.line] != last[at:at + self.line]
-                        for at in range(0, len(picture), self.line))
+            lines = sum(new != old for new, old in zip(self.lines(picture), self.lines(last)))
             last = picture
             if lines > CARET_LINES:
                 changed = time.monotonic()
@@ -91,7 +69,7 @@ class Display:
 
 def write_png(display, picture, file):
     """The part of the picture that windows stand on."""
-    lines = [picture[at:at + display.line] for at in range(0, len(picture), display.line)]
+    lines = display.lines(picture)
     empty = display.blank[:display.line]
     rows = [i for i, line in enumerate(lines) if line != empty]
     top, bottom = rows[0], rows[-1] + 1
@@ -137,10 +115,7 @@ def lay_out():
 
 
 def take(kinsort, folder, language):
-    environment = {"PATH": os.environ["PATH"], "LANG": "C.UTF-8", "HOME": STAGE, "NO_AT_BRIDGE": "1"}
-    for name in ("XDG_RUNTIME_DIR", "XDG_CONFIG_HOME", "XDG_STATE_HOME", "XDG_DATA_HOME"):
-        environment[name] = os.path.join(STAGE, "." + name.lower())
-        os.makedirs(environment[name], 0o700, exist_ok=True)
+    environment = environment_below(STAGE)
     subprocess.run([kinsort, "settings", "set", "NLS", "." + language], env=environment, check=True,
                    capture_output=True)
     documents, items = lay_out()
