@@ -21,13 +21,7 @@ esac
 # The system's Python, not one of a version manager: its start is what is measured, its packages are what peers use.
 python=/usr/bin/python3
 scripts/setup.sh --with bench
-log=$(mktemp)
-trap 'rm -f "$log"' EXIT
-{ cmake --preset release && cmake --build --preset release --target kinsort KinsortDialog bench_matching bench_dialog; } >"$log" 2>&1 || {
-  cat "$log" >&2
-  echo "bench.sh: the build failed, see above" >&2
-  exit 1
-}
+scripts/build.sh release kinsort KinsortDialog bench_matching bench_dialog
 
 matching() { KINSORT_PYTHON=$python build/release/obj/bench_matching; }
 batches() {

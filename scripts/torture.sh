@@ -16,25 +16,18 @@ minutes=${1-60}
 }
 quarter=$((minutes * 60 / 4))
 
-build() {
-  local log
-  log=$(mktemp)
-  { cmake --preset "$1" && cmake --build --preset "$@"; } >"$log" 2>&1 || { cat "$log" >&2; rm -f "$log"; exit 1; }
-  rm -f "$log"
-}
 step() { printf '\n== %s ==\n' "$*"; }
 failed() {
   printf 'torture.sh: FAILED. Again: %s\n' "$*" >&2
   exit 1
 }
 
-scripts/setup.sh
 step "building"
-build release --target kinsort Crash_test
+scripts/build.sh release kinsort Crash_test
 fuzzers=(fuzz/*_fuzz.cpp)
 fuzzers=("${fuzzers[@]##*/}")
 fuzzers=("${fuzzers[@]%.cpp}")
-build fuzz --target "${fuzzers[@]}" JournalCorpus
+scripts/build.sh fuzz "${fuzzers[@]}" JournalCorpus
 
 # Rounds with more and more places to cut, until the time is over.
 step "power cuts at every call, ${quarter} s"
