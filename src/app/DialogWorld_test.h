@@ -12,17 +12,14 @@
 #include "app/KinsortDlg.h"
 #include "controls/DirMenu.h"
 #include "controls/FolderBox_test.h"
-#include "platform/fake/FakeEnvironment.h"
+#include "framework/FolderWorld_test.h"
 #include "platform/fake/FakeLocaleMap.h"
-#include "platform/fake/FakeUserAccount.h"
 #include "platform/fake/ManualClock.h"
-#include "platform/fake/MemoryFileSystem.h"
-#include "platform/fake/MemoryRegistry.h"
 #include "platform/fake/RecordingOpener.h"
 #include "platform/fake/RecordingWindowMessages.h"
 #include "platform/fake/ScriptedProcesses.h"
 #include "platform/fake/ScriptedUserInterface.h"
-#include "platform/linux/LinuxPathCodec.h"
+#include "text/Utf16Bytes_test.h"
 #include "text/Utf8.h"
 
 namespace kinsort {
@@ -164,36 +161,24 @@ class NoIcons final : public Icons {
 };
 
 // The program lies in Z:\opt\vel\command\Default; the user folder is Z:\user.
-struct DialogWorld {
+struct DialogWorld : FolderWorld {
     static constexpr WindowHandle kHost = 5;
+    static constexpr std::u16string_view kMessageFile = u"Z:\\opt\\vel\\Lang\\Msg.ja-JP.txt";
 
-    DialogWorld() {
-        std::u16string texts;
-        for (const int number : {62304, 62325, 62401, 62402, 63503, 64080, 64095, 64096})
-            texts += FromUtf8(std::to_string(number) + "\tm" + std::to_string(number) + "\r\n");
-        files.SetContent(u"Z:\\opt\\vel\\Lang\\Msg.ja-JP.txt", InFile(texts));
+    DialogWorld() : FolderWorld(u"Z:\\opt\\vel\\command\\Default\\Kinsort") {
+        std::string texts;
+        for (const char* number : {"62304", "62325", "62401", "62402", "63503", "64080", "64095", "64096"})
+            texts += number + std::string("\tm") + number + "\r\n";
+        files.SetContent(kMessageFile, Utf16Bytes(FromUtf8(texts)));
         files.AddFolder(u"Z:\\sorted\\report");
         files.AddFolder(u"Z:\\sorted\\music");
         settings.WriteRegString(kSettingsKey, kUserDirName, u"Z:\\user");
         settings.WriteRegDword(kSettingsKey, kUserDirModeName, kUserDirChosen);
     }
 
-    static std::string InFile(std::u16string_view text) {
-        std::string bytes;
-        for (const char16_t unit : text)
-            bytes += {static_cast<char>(unit & 0xFF), static_cast<char>(unit >> 8)};
-        return bytes;
-    }
     void ShowHost() { windows.windows[kHost] = kHostWindowClass; }
 
     CallLog calls;
-    MemoryFileSystem files;
-    MemoryRegistry registry;
-    Settings settings{registry, u"Kinsort"};
-    FakeUserAccount account;
-    FakeEnvironment environment;
-    std::unique_ptr<PathCodec> codec = MakeLinuxPathCodec("");
-    VelFolders folders{{settings, files, account, environment, *codec}, u"Z:\\opt\\vel\\command\\Default\\Kinsort"};
     LoggedUserInterface ui{calls};
     Messages messages{settings, folders, files, ui};
     RecordingWindowMessages windows;

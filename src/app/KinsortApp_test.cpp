@@ -18,12 +18,11 @@ class MarkerMemory final : public FakeSharedMemory {
 
     Result<std::unique_ptr<SharedMutex>> OpenSharedMutex(std::u16string_view name) override {
         calls.push_back("marker " + ToUtf8(name));
-        if (!markerFailure.ok()) return markerFailure;
+        if (!mutexFailure.ok()) return mutexFailure;
         return std::unique_ptr<SharedMutex>(std::make_unique<Marker>(calls));
     }
 
     CallLog& calls;
-    Status markerFailure;
 
   private:
     class Marker final : public SharedMutex {
@@ -40,7 +39,7 @@ class MarkerMemory final : public FakeSharedMemory {
 
 class KinsortAppTest : public testing::Test, protected DialogWorld {
   protected:
-    // One run; `seen` looks at the dialog while it is up.
+    // One run of the program.
     void Run(std::vector<std::string> arguments) {
         handOff = {};
         CKinsortApp app({view, services, memory, environment, *codec, "/home/me"}, std::move(arguments));
@@ -114,8 +113,7 @@ TEST_F(KinsortAppTest, RunsInThisOrderAndHandsTheFocusBack) {
 
 TEST_F(KinsortAppTest, RunsWithoutAHostAndWithoutAMarker) {
     environment.variables[u"VEL_ExCommand"] = u"3:1:1:1:16::::Share:";
-    memory.markerFailure = Status::Failure(StatusCode::kAccessDenied, 13, u"denied");
-    memory.blockFailure = memory.markerFailure;
+    memory.mutexFailure = memory.blockFailure = Status::Failure(StatusCode::kAccessDenied, 13, u"denied");
     Run({});
     EXPECT_THAT(calls, Contains("modal 0"));
     EXPECT_THAT(calls, Contains("says denied"));

@@ -10,6 +10,7 @@
 #include "framework/Paths.h"
 #include "text/Numbers.h"
 #include "text/Trim.h"
+#include "text/Utf16Bytes.h"
 
 namespace kinsort {
 namespace {
@@ -28,9 +29,8 @@ constexpr std::u16string_view kHelpPage = u"6.Command\\2.DefaultCommand\\Kinsort
 std::u16string TextOf(std::span<const std::byte> data) {
     std::u16string text;
     for (size_t i = 0; i + 1 < data.size(); i += 2) {
-        const auto unit =
-            static_cast<char16_t>(static_cast<unsigned>(data[i]) | static_cast<unsigned>(data[i + 1]) << 8);
-        if (unit == 0) break;
+        const char16_t unit = Utf16UnitAt(data, i);
+        if (unit == u'\0') break;
         text += unit;
     }
     return text;

@@ -1,19 +1,17 @@
 #include "app/OperationPresenter.h"
 
-#include <condition_variable>
 #include <deque>
-#include <map>
-#include <mutex>
+#include <fstream>
 
 #include <gmock/gmock.h>
 
 #include "app/DialogWorld_test.h"
 #include "fileop/BatchWorld_test.h"
-#include "framework/MessageNumbers.h"
 
 namespace kinsort {
 namespace {
 
+using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::SizeIs;
@@ -21,20 +19,10 @@ using testing::SizeIs;
 // A screen whose user has written the answers down. Its loop is a real one: the batch posts from its own thread.
 class ScriptedOperationView final : public OperationView {
   public:
-    void Post(std::function<void()> work) override {
-        const std::lock_guard lock(mutex_);
-        posted_.push_back(std::move(work));
-        arrived_.notify_one();
-    }
+    void Post(std::function<void()> work) override { tasks_.Post(std::move(work)); }
     void RunLoop() override {
-        while (!std::exchange(isEnded_, false)) {
-            std::unique_lock lock(mutex_);
-            arrived_.wait(lock, [this] { return !posted_.empty(); });
-            const std::function<void()> work = std::move(posted_.front());
-            posted_.pop_front();
-            lock.unlock();
-            work();
-        }
+        while (!std::exchange(isEnded_, false))
+            tasks_.RunNext();
     }
     void EndLoop() override { isEnded_ = true; }
 
@@ -52,19 +40,16 @@ class ScriptedOperationView final : public OperationView {
     void EndProgress() override { isOpen = false; }
     ConflictReply AskConflict(const ConflictQuestion& question) override {
         conflicts.push_back(question);
-        if (replies.empty()) return {};
-        const ConflictReply reply = replies.front();
-        replies.pop_front();
-        return reply;
+        return Take(replies, ConflictReply());
     }
     size_t AskButtons(const ButtonQuestion& question) override {
         questions.push_back(question);
-        return TakeButton(question.escapeButton);
+        return Take(buttons, question.escapeButton);
     }
     size_t ShowSummary(const OperationSummary& summary) override {
         EXPECT_FALSE(isOpen);
         summaries.push_back(summary);
-        return TakeButton(summary.buttons.size() - 1);
+        return Take(buttons, summary.buttons.size() - 1);
     }
     bool OfferUndo(const UndoOffer& offer) override {
         offers.push_back(offer);
@@ -84,84 +69,74 @@ class ScriptedOperationView final : public OperationView {
     std::function<void()> cancel;
 
   private:
-    size_t TakeButton(size_t otherwise) {
-        if (buttons.empty()) return otherwise;
-        const size_t button = buttons.front();
-        buttons.pop_front();
-        return button;
+    template <typename Answer>
+    static Answer Take(std::deque<Answer>& answers, Answer otherwise) {
+        if (answers.empty()) return otherwise;
+        const Answer answer = answers.front();
+        answers.pop_front();
+        return answer;
     }
 
-    std::mutex mutex_;
-    std::condition_variable arrived_;
-    std::deque<std::function<void()>> posted_;
+    PostedTasks tasks_;
     bool isEnded_ = false;
 };
 
-// Texts are the number of the message, with the values that it is given behind it.
+constexpr uint32_t kAsks = 0x2840;  // about conflicts
+constexpr const char* kBefore = "in/ in/a.txt=AAA in/b.txt=BBB out/ out/A/ out/B/";
+constexpr const char* kMoved = "in/ out/ out/A/ out/A/a.txt=AAA out/B/ out/B/b.txt=BBB";
+
+ItemRequest Item(const std::u16string& name, const std::u16string& folder, bool isMove = true) {
+    return {u"Z:\\in\\" + name, u"Z:\\out\\" + folder, isMove};
+}
+
+// With the English texts.
 class OperationPresenterTest : public testing::Test, protected DialogWorld {
   protected:
     OperationPresenterTest() {
-        std::u16string texts;
-        const std::map<int, const char*> values = {
-            {kMsgProgressItems, " %1/%2"},   {kMsgProgressBytes, " %1/%2/%3"},  {kMsgProgressHours, " %1:%2"},
-            {kMsgConflictFile, " %1 in %2"}, {kMsgConflictFolder, " %1 in %2"}, {kMsgSizeAndTime, " %1"},
-            {kMsgNotifyCopied, " %1 to %2"}, {kMsgNotifyMoved, " %1 to %2"},    {kMsgBatchUnfinished, " %1"},
-            {kMsgRetryQuestion, " %1: %2"},  {kMsgUndoUnfinished, " %1"},       {kMsgBatchStopped, " %1"},
-            {kMsgBatchNotStarted, " %1"},    {kMsgStatusFirst + 27, " %1"}};
-        constexpr int kCounted[] = {kMsgSummaryCopied,   kMsgSummaryMoved,    kMsgSummaryUndone,
-                                    kMsgSummarySkipped,  kMsgSummaryFailed,   kMsgSummaryCancelled,
-                                    kMsgProgressSeconds, kMsgProgressMinutes, kMsgSummaryRedone};
-        for (int number = 64000; number < 64200; ++number) {
-            const auto found = values.find(number);
-            const bool isCounted = std::find(std::begin(kCounted), std::end(kCounted), number) != std::end(kCounted);
-            const std::string value = found != values.end() ? found->second : isCounted ? " %1" : "";
-            texts += FromUtf8(std::to_string(number) + "\t" + std::to_string(number) + value + "\r\n");
-        }
-        files.SetContent(u"Z:\\opt\\vel\\Lang\\Msg.ja-JP.txt", InFile(texts));
-        BatchWorld::Prepare(disk);
-        disk.MakeFolders("/out/A");
-        disk.MakeFolders("/out/B");
-        disk.WriteFile("/in/a.txt", "AAA");
-        disk.WriteFile("/in/b.txt", "BBB");
+        std::ifstream english(KINSORT_BUILT_TEXTS "/Lang/Msg.en-US.txt", std::ios::binary);
+        files.SetContent(kMessageFile, std::string(std::istreambuf_iterator<char>(english), {}));
+        Fill(disk);
     }
-
-    void CarryOut(bool isMove, uint32_t flags = 0x2840) {
-        presenter.CarryOut({{u"Z:\\in\\a.txt", u"Z:\\out\\A", isMove}, {u"Z:\\in\\b.txt", u"Z:\\out\\B", isMove}},
-                           flags);
+    static void Fill(MemorySys& empty) {
+        BatchWorld::Prepare(empty);
+        empty.MakeFolders("/out/A");
+        empty.MakeFolders("/out/B");
+        empty.WriteFile("/in/a.txt", "AAA");
+        empty.WriteFile("/in/b.txt", "BBB");
+    }
+    void CarryOut(bool isMove, uint32_t flags = kAsks) {
+        presenter.CarryOut({Item(u"a.txt", u"A", isMove), Item(u"b.txt", u"B", isMove)}, flags);
         EXPECT_FALSE(screen.isOpen);
     }
     std::string Tree() { return BatchWorld::Tree(disk); }
-    static std::u16string N(int number) { return FromUtf8(std::to_string(number)); }
-
-    static constexpr const char* kBefore = "in/ in/a.txt=AAA in/b.txt=BBB out/ out/A/ out/B/";
-    static constexpr const char* kMoved = "in/ out/ out/A/ out/A/a.txt=AAA out/B/ out/B/b.txt=BBB";
 
     MemorySys disk;
     BatchWorld world;
     ScriptedOperationView screen;
     OperationPresenter presenter{world.ServicesOn(disk), screen, messages, *codec};
+    OperationTexts texts{messages, *codec};
 };
 
 TEST_F(OperationPresenterTest, MovesAndOffersToUndo) {
     CarryOut(true);
     EXPECT_EQ(Tree(), kMoved);
-    EXPECT_EQ(screen.progress.front().title, N(kMsgProgressMove));
-    EXPECT_EQ(screen.progress.front().headline, N(kMsgProgressPreparing));
-    EXPECT_EQ(screen.progress.back().headline, N(kMsgProgressItems) + u" 2/2");
+    EXPECT_EQ(screen.progress.front().title, u"Moving");
+    EXPECT_EQ(screen.progress.front().headline, u"Preparing...");
+    EXPECT_EQ(screen.progress.back().headline, u"2 of 2 items");
     EXPECT_EQ(screen.progress.back().permille, 1000);
     EXPECT_THAT(screen.summaries, IsEmpty());
     presenter.OfferUndo();
     presenter.OfferUndo();
     ASSERT_THAT(screen.offers, SizeIs(1)) << "once for each batch";
-    EXPECT_EQ(screen.offers[0].text, N(kMsgNotifyMoved) + u" 2 to /out");
+    EXPECT_EQ(screen.offers[0].text, u"Items moved into the folders of /out: 2.");
     EXPECT_EQ(Tree(), kMoved);
 
     screen.takesOffers = true;
-    presenter.CarryOut({{u"Z:\\out\\A\\a.txt", u"Z:\\in\\", true}}, 0x2840);
+    presenter.CarryOut({{u"Z:\\out\\A\\a.txt", u"Z:\\in\\", true}}, kAsks);
     presenter.OfferUndo();
-    EXPECT_EQ(screen.offers[1].text, N(kMsgNotifyMoved) + u" 1 to /");
+    EXPECT_EQ(screen.offers[1].text, u"Items moved into the folders of /: 1.");
     EXPECT_EQ(Tree(), kMoved);
-    EXPECT_EQ(screen.progress.back().title, N(kMsgProgressUndo));
+    EXPECT_EQ(screen.progress.back().title, u"Undoing");
     EXPECT_THAT(screen.summaries, IsEmpty());
 }
 
@@ -176,11 +151,11 @@ TEST_F(OperationPresenterTest, AsksAboutConflictsOrReplacesWithoutAsking) {
         const char* a;  // what lies in the target then
         size_t summaries;
     } cases[] = {
-        {"replace", 0x2840, {{ConflictAnswer::kReplace, AnswerScope::kThisOne}}, 1, "out/A/a.txt=AAA", 0},
-        {"skip", 0x2840, {{ConflictAnswer::kSkip, AnswerScope::kAllInBatch}}, 1, "out/A/a.txt=old", 0},
-        {"keep both", 0x2840, {{ConflictAnswer::kKeepBoth, AnswerScope::kThisOne}}, 1, "out/A/a (2).txt=AAA", 0},
-        {"stop", 0x2840, {{ConflictAnswer::kCancel, AnswerScope::kThisOne}}, 1, "out/A/a.txt=old", 1},
-        {"no confirmation", 0x2850, {}, 0, "out/A/a.txt=AAA", 0},
+        {"replace", kAsks, {{ConflictAnswer::kReplace, AnswerScope::kThisOne}}, 1, "out/A/a.txt=AAA", 0},
+        {"skip", kAsks, {{ConflictAnswer::kSkip, AnswerScope::kAllInBatch}}, 1, "out/A/a.txt=old", 0},
+        {"keep both", kAsks, {{ConflictAnswer::kKeepBoth, AnswerScope::kThisOne}}, 1, "out/A/a (2).txt=AAA", 0},
+        {"stop", kAsks, {{ConflictAnswer::kCancel, AnswerScope::kThisOne}}, 1, "out/A/a.txt=old", 1},
+        {"no confirmation", kAsks | kFofNoConfirmation, {}, 0, "out/A/a.txt=AAA", 0},
     };
     screen.takesOffers = true;
     for (const auto& one : cases) {
@@ -203,79 +178,84 @@ TEST_F(OperationPresenterTest, PutsAConflictIntoWords) {
     CarryOut(true);
     ASSERT_THAT(screen.conflicts, SizeIs(1));
     const ConflictQuestion& question = screen.conflicts[0];
-    EXPECT_EQ(question.instruction, N(kMsgConflictFile) + u" a.txt in /out/A\n" + N(kMsgConflictUndoHint));
+    EXPECT_EQ(question.instruction,
+              u"/out/A already has a file named \"a.txt\".\nA replaced file is kept; undo brings it back.");
     EXPECT_EQ(question.item.path, u"/in/a.txt");
-    EXPECT_EQ(question.item.details, N(kMsgSizeAndTime) + u" 3 B");
+    EXPECT_TRUE(question.item.details.starts_with(u"3 B, "));
     EXPECT_EQ(question.target.path, u"/out/A/a.txt");
-    EXPECT_EQ(question.target.details, N(kMsgSizeAndTime) + u" 4 B");
+    EXPECT_TRUE(question.target.details.starts_with(u"4 B, "));
     std::vector<std::u16string> labels;
     for (const ConflictButton& button : question.buttons)
         labels.push_back(button.label);
-    EXPECT_THAT(labels,
-                ElementsAre(N(kMsgConflictReplace), N(kMsgConflictSkip), N(kMsgConflictKeepBoth), N(kMsgStopBatch)));
+    EXPECT_THAT(labels, ElementsAre(u"&Replace", u"&Skip", u"&Keep both", u"&Stop"));
     EXPECT_EQ(question.buttons[question.defaultButton].answer, ConflictAnswer::kSkip);
     EXPECT_EQ(question.buttons.back().answer, ConflictAnswer::kCancel);
     presenter.OfferUndo();
     ASSERT_THAT(screen.offers, SizeIs(1));
-    EXPECT_EQ(screen.offers[0].text, N(kMsgNotifyMoved) + u" 1 to /out\n" + N(kMsgSummarySkipped) + u" 1");
+    EXPECT_EQ(screen.offers[0].text, u"Items moved into the folders of /out: 1.\nItems skipped: 1.");
 
-    OperationTexts texts(messages, *codec);
     Conflict conflict{.item = {.path = u"Z:\\in\\x", .kind = FileKind::kFile},
                       .target = {.path = u"Z:\\out\\x", .kind = FileKind::kFolder},
                       .canReplace = false};
     const ConflictQuestion against = texts.Ask(conflict);
-    EXPECT_EQ(against.instruction, N(kMsgConflictFolder) + u" x in /out");
+    EXPECT_EQ(against.instruction, u"/out already has a folder named \"x\".");
     EXPECT_EQ(against.buttons.front().answer, ConflictAnswer::kSkip);
     conflict = {.item = conflict.target, .target = conflict.target, .canReplace = true, .isMerge = true};
-    EXPECT_EQ(texts.Ask(conflict).buttons.front().label, N(kMsgConflictMerge));
+    EXPECT_EQ(texts.Ask(conflict).buttons.front().label, u"&Merge");
 }
 
 TEST_F(OperationPresenterTest, TellsWhatWentWrongAndUndoesTheRest) {
-    presenter.CarryOut({{u"Z:\\in\\a.txt", u"Z:\\out\\A", true},
-                        {u"Z:\\in\\gone", u"Z:\\out\\A", true},
-                        {u"Z:\\in\\b.txt", u"Z:\\out\\Missing", true}},
-                       0x2840);
+    presenter.CarryOut({Item(u"a.txt", u"A"), Item(u"gone", u"A"), Item(u"b.txt", u"Missing")}, kAsks);
     ASSERT_THAT(screen.summaries, SizeIs(1));
     const OperationSummary& summary = screen.summaries[0];
-    EXPECT_EQ(summary.headline, N(kMsgSummaryMoved) + u" 1");
-    EXPECT_THAT(summary.notes, ElementsAre(N(kMsgSummaryFailed) + u" 2"));
+    EXPECT_EQ(summary.headline, u"Items moved: 1.");
+    EXPECT_THAT(summary.notes, ElementsAre(u"Items that failed: 2."));
     ASSERT_THAT(summary.rows, SizeIs(2));
     EXPECT_EQ(summary.rows[0].name, u"/in/gone");
-    EXPECT_EQ(summary.rows[0].reason, N(kMsgReasonFirst + static_cast<int>(ItemReason::kSourceGone)));
+    EXPECT_EQ(summary.rows[0].reason, u"it is gone since it was chosen");
     EXPECT_EQ(summary.rows[1].name, u"/in/b.txt");
-    EXPECT_TRUE(summary.rows[1].reason.starts_with(N(kMsgStatusFirst + 1)));
-    EXPECT_THAT(summary.buttons, ElementsAre(N(kMsgSummaryUndo), N(kMsgSummaryClose)));
+    EXPECT_EQ(summary.rows[1].reason, u"it does not exist; check the name and the folder (/out/Missing)");
+    EXPECT_THAT(summary.buttons, ElementsAre(u"&Undo", u"&Close"));
     presenter.OfferUndo();
     EXPECT_THAT(screen.offers, IsEmpty()) << "the summary has offered it";
 
     screen.buttons = {0};
-    presenter.CarryOut({{u"Z:\\in\\b.txt", u"Z:\\out\\B", true}, {u"Z:\\in\\gone", u"Z:\\out\\A", true}}, 0x2840);
+    presenter.CarryOut({Item(u"b.txt", u"B"), Item(u"gone", u"A")}, kAsks);
     EXPECT_EQ(Tree(), "in/ in/b.txt=BBB out/ out/A/ out/A/a.txt=AAA out/B/");
 
-    presenter.CarryOut({{u"Z:\\in\\gone", u"Z:\\out\\A", false}}, 0x2840);
-    EXPECT_EQ(screen.summaries.back().headline, N(kMsgSummaryNothing));
-    EXPECT_THAT(screen.summaries.back().buttons, ElementsAre(N(kMsgSummaryClose)));
-    presenter.CarryOut({}, 0x2840);
+    presenter.CarryOut({Item(u"gone", u"A", false)}, kAsks);
+    EXPECT_EQ(screen.summaries.back().headline, u"Nothing was done.");
+    EXPECT_THAT(screen.summaries.back().buttons, ElementsAre(u"&Close"));
+    presenter.CarryOut({}, kAsks);
     EXPECT_THAT(screen.summaries, SizeIs(3)) << "of nothing nothing is said";
 }
 
-TEST_F(OperationPresenterTest, StopsWhenTheUserCancels) {
+TEST_F(OperationPresenterTest, TellsWhatCouldNotBeKept) {
+    FaultSys faults(disk);
+    faults.FromKind(SysCall::kCopyUserAttributes, 1, Fault::Fail(StatusCode::kUnsupported));
+    OperationPresenter lossy(world.ServicesOn(faults), screen, messages, *codec);
+    lossy.CarryOut({Item(u"a.txt", u"A", false)}, kAsks);
+    lossy.OfferUndo();
+    EXPECT_EQ(screen.offers.at(0).text,
+              u"Items copied into the folders of /out: 1.\n"
+              u"Some user attributes could not be kept: the target volume does not hold them.");
+}
+
+TEST_F(OperationPresenterTest, StopsWhenTheUserCancelsOrTheSessionEnds) {
     screen.whenProgressBegins = [this] { screen.cancel(); };
     CarryOut(true);
     EXPECT_EQ(Tree(), kBefore);
     EXPECT_TRUE(screen.progress[1].isStopping);
-    EXPECT_EQ(screen.progress[1].headline, N(kMsgProgressCancelling));
+    EXPECT_EQ(screen.progress[1].headline, u"Stopping. The item at work is finished or taken back first...");
     ASSERT_THAT(screen.summaries, SizeIs(1));
-    EXPECT_THAT(screen.summaries[0].notes, testing::Contains(N(kMsgUntouched)));
+    EXPECT_THAT(screen.summaries[0].notes, Contains(u"Every item is either wholly done or untouched."));
     EXPECT_THAT(screen.summaries[0].rows, IsEmpty());
-}
 
-TEST_F(OperationPresenterTest, StopsAndIsSilentWhenTheSessionEnds) {
     screen.whenProgressBegins = [this] { presenter.CancelRunning(); };
     CarryOut(true);
     EXPECT_EQ(Tree(), kBefore);
     presenter.OfferUndo();
-    EXPECT_THAT(screen.summaries, IsEmpty());
+    EXPECT_THAT(screen.summaries, SizeIs(1)) << "at the end of the session nothing is said";
     EXPECT_THAT(screen.offers, IsEmpty());
 }
 
@@ -284,20 +264,21 @@ TEST_F(OperationPresenterTest, AsksWhatToDoAboutAFullVolume) {
     disk.MakeFolders("/small/S");
     disk.WriteFile("/in/big", std::string(100'000, 'x'));
     screen.buttons = {0, 1, 1};  // again, skip, close
-    presenter.CarryOut({{u"Z:\\in\\big", u"Z:\\small\\S", true}}, 0x2840);
+    presenter.CarryOut({{u"Z:\\in\\big", u"Z:\\small\\S", true}}, kAsks);
     ASSERT_THAT(screen.questions, SizeIs(2));
-    EXPECT_EQ(screen.questions[0].instruction, N(kMsgRetryQuestion) + u" /small/S/big: " + N(kMsgStatusFirst + 5));
-    EXPECT_THAT(screen.questions[0].buttons, ElementsAre(N(kMsgRetry), N(kMsgConflictSkip), N(kMsgStopBatch)));
+    EXPECT_EQ(screen.questions[0].instruction, u"/small/S/big\nno space left on the volume; free some and try again");
+    EXPECT_THAT(screen.questions[0].buttons, ElementsAre(u"&Retry", u"&Skip", u"&Stop"));
     EXPECT_EQ(disk.ReadFile("/in/big"), std::string(100'000, 'x'));
     EXPECT_THAT(screen.summaries, SizeIs(1));
 }
 
 TEST_F(OperationPresenterTest, BeginsNothingWithoutAPlaceForTheJournal) {
     OperationPresenter homeless(std::nullopt, screen, messages, *codec);
-    homeless.CarryOut({{u"Z:\\in\\a.txt", u"Z:\\out\\A", true}}, 0x2840);
+    homeless.CarryOut({Item(u"a.txt", u"A")}, kAsks);
     homeless.OfferUndo();
     homeless.OfferRecovery();
-    EXPECT_EQ(screen.summaries.at(0).headline, N(kMsgNoJournalPlace));
+    EXPECT_EQ(screen.summaries.at(0).headline,
+              u"There is no place for the undo journal. Set HOME or XDG_STATE_HOME to a folder.");
     EXPECT_THAT(screen.progress, IsEmpty());
     EXPECT_EQ(Tree(), kBefore);
 
@@ -305,9 +286,10 @@ TEST_F(OperationPresenterTest, BeginsNothingWithoutAPlaceForTheJournal) {
     faults.FromKind(SysCall::kReserve, 1, Fault::Fail(StatusCode::kNoSpace));
     faults.FromKind(SysCall::kWrite, 1, Fault::Fail(StatusCode::kNoSpace));
     OperationPresenter full(world.ServicesOn(faults), screen, messages, *codec);
-    full.CarryOut({{u"Z:\\in\\a.txt", u"Z:\\out\\A", true}}, 0x2840);
-    EXPECT_EQ(screen.summaries.at(1).headline, N(kMsgSummaryNothing));
-    EXPECT_EQ(screen.summaries.at(1).notes.back(), N(kMsgBatchNotStarted) + u" /state/undo: " + N(kMsgStatusFirst + 5));
+    full.CarryOut({Item(u"a.txt", u"A")}, kAsks);
+    EXPECT_EQ(screen.summaries.at(1).headline, u"Nothing was done.");
+    EXPECT_EQ(screen.summaries.at(1).notes.back(),
+              u"The operation cannot begin: /state/undo: no space left on the volume; free some and try again");
     EXPECT_EQ(Tree(), kBefore);
 }
 
@@ -319,25 +301,21 @@ TEST_F(OperationPresenterTest, OffersToRecoverWhatACrashTore) {
     const struct {
         const char* what;
         bool isUndoTorn;
-        int title;
+        std::u16string title;  // of the progress
         size_t button;
         const char* after;  // null: as the crash left it
     } cases[] = {
-        {"leave", false, 0, 2, nullptr},
-        {"finish", false, kMsgProgressMove, 0, kMoved},
-        {"undo", false, kMsgProgressUndo, 1, kBefore},
-        {"leave the undo", true, 0, 2, nullptr},
-        {"finish the undo", true, kMsgProgressUndo, 0, kBefore},
-        {"undo the undo", true, kMsgProgressRedo, 1, kMoved},
+        {"leave", false, u"", 2, nullptr},
+        {"finish", false, u"Moving", 0, kMoved},
+        {"undo", false, u"Undoing", 1, kBefore},
+        {"leave the undo", true, u"", 2, nullptr},
+        {"finish the undo", true, u"Undoing", 0, kBefore},
+        {"undo the undo", true, u"Redoing", 1, kMoved},
     };
     for (const auto& one : cases) {
         SCOPED_TRACE(one.what);
         MemorySys torn;
-        BatchWorld::Prepare(torn);
-        for (const char* folder : {"/out/A", "/out/B"})
-            torn.MakeFolders(folder);
-        torn.WriteFile("/in/a.txt", "AAA");
-        torn.WriteFile("/in/b.txt", "BBB");
+        Fill(torn);
         FaultSys faults(torn);
         faults.AtKind(SysCall::kRenameNoReplace, one.isUndoTorn ? 4 : 2, Fault::Kill());
         OperationPolicy policy;
@@ -353,10 +331,10 @@ TEST_F(OperationPresenterTest, OffersToRecoverWhatACrashTore) {
         OperationPresenter next(world.ServicesOn(torn), screen, messages, *codec);
         screen.buttons = {one.button};
         next.OfferRecovery();
-        EXPECT_EQ(screen.questions.at(0).instruction,
-                  N(one.isUndoTorn ? kMsgUndoUnfinished : kMsgBatchUnfinished) + u" /out");
+        EXPECT_TRUE(screen.questions.at(0).instruction.starts_with(one.isUndoTorn ? u"Undoing the sorting into /out on "
+                                                                                  : u"Sorting into /out on "));
         EXPECT_EQ(BatchWorld::Tree(torn), one.after == nullptr ? left : one.after);
-        EXPECT_EQ(screen.progress.empty() ? u"" : screen.progress.back().title, one.title == 0 ? u"" : N(one.title));
+        EXPECT_EQ(screen.progress.empty() ? u"" : screen.progress.back().title, one.title);
         EXPECT_THAT(screen.summaries, IsEmpty());
         next.OfferRecovery();
         EXPECT_THAT(screen.questions, SizeIs(one.after == nullptr ? 2 : 1)) << "asked again only when it was left";
@@ -364,9 +342,6 @@ TEST_F(OperationPresenterTest, OffersToRecoverWhatACrashTore) {
 }
 
 TEST_F(OperationPresenterTest, PutsProgressIntoWords) {
-    OperationTexts texts(messages, *codec);
-    const std::u16string items = N(kMsgProgressItems);
-    const std::u16string bytes = N(kMsgProgressBytes);
     constexpr BatchPhase kRunning = BatchPhase::kRunning;
     const struct {
         const char* what;
@@ -376,26 +351,19 @@ TEST_F(OperationPresenterTest, PutsProgressIntoWords) {
         int permille;
         std::u16string headline, figures;
     } cases[] = {
-        {"planning", BatchPhase::kPlanning, 0, 9, 0, 0, -1, -1, N(kMsgProgressPreparing), u""},
-        {"moves", kRunning, 1, 3, 0, 0, 59.5, 333, items + u" 1/3", N(kMsgProgressMinutes) + u" 1"},
-        {"copies", kRunning, 0, 3, 500, 2000, 15, 250, items + u" 0/3",
-         bytes + u" 500 B/2.0 kB/100 B " + N(kMsgProgressSeconds) + u" 15"},
-        {"only names left", kRunning, 1, 3, 2000, 2000, 0, 1000, items + u" 1/3", bytes + u" 2.0 kB/2.0 kB/100 B"},
-        {"an hour", kRunning, 1, 4, 0, 0, 3541, 250, items + u" 1/4", N(kMsgProgressHours) + u" 1:0"},
-        {"beyond belief", BatchPhase::kSyncing, 0, 4, 0, 0, 1e6, 0, items + u" 0/4", u""},
-        {"nothing to do", kRunning, 0, 0, 0, 0, -1, -1, items + u" 0/0", u""},
+        {"planning", BatchPhase::kPlanning, 0, 9, 0, 0, -1, -1, u"Preparing...", u""},
+        {"moves", kRunning, 1, 3, 0, 0, 59.5, 333, u"1 of 3 items", u"about 1 min left"},
+        {"copies", kRunning, 0, 3, 500, 2000, 15, 250, u"0 of 3 items", u"500 B of 2.0 kB (100 B/s) about 15 s left"},
+        {"only names left", kRunning, 1, 3, 2000, 2000, 0, 1000, u"1 of 3 items", u"2.0 kB of 2.0 kB (100 B/s)"},
+        {"an hour", kRunning, 1, 4, 0, 0, 3541, 250, u"1 of 4 items", u"about 1 h 0 min left"},
+        {"beyond belief", BatchPhase::kSyncing, 0, 4, 0, 0, 1e6, 0, u"0 of 4 items", u""},
+        {"nothing to do", kRunning, 0, 0, 0, 0, -1, -1, u"0 of 0 items", u""},
     };
     for (const auto& one : cases) {
         SCOPED_TRACE(one.what);
-        ProgressState state;
-        state.phase = one.phase;
-        state.itemsDone = one.items;
-        state.itemsTotal = one.itemsTotal;
-        state.bytesDone = one.bytes;
-        state.bytesTotal = one.bytesTotal;
-        state.bytesPerSecond = 100;
-        state.secondsLeft = one.secondsLeft;
-        const ProgressTexts shown = texts.Progress(OperationKind::kCopy, state, false);
+        const ProgressTexts shown = texts.Progress(
+            OperationKind::kCopy,
+            {one.phase, one.items, one.itemsTotal, one.bytes, one.bytesTotal, 100, 0, one.secondsLeft, u""}, false);
         EXPECT_EQ(shown.permille, one.permille);
         EXPECT_EQ(shown.headline, one.headline);
         EXPECT_EQ(shown.figures, one.figures);
@@ -403,26 +371,18 @@ TEST_F(OperationPresenterTest, PutsProgressIntoWords) {
 }
 
 TEST_F(OperationPresenterTest, PutsReasonsIntoWords) {
-    OperationTexts texts(messages, *codec);
-    const Status gone = Status::Failure(StatusCode::kNotFound, 2, u"raw").At(u"Z:\\out\\A");
-    const Status other = Status::Failure(StatusCode::kOther, 71, u"Protocol error");
-    constexpr ItemOutcome kFailed = ItemOutcome::kFailed;
-    const struct {
-        const char16_t* source;
-        ItemOutcome outcome;
-        ItemReason reason;
-        Status status;
-        std::u16string text;
-    } cases[] = {
-        {u"Z:\\in\\a", kFailed, ItemReason::kSystem, gone, N(kMsgStatusFirst + 1) + u" (/out/A)"},
-        {u"Z:\\out\\A", kFailed, ItemReason::kSystem, gone, N(kMsgStatusFirst + 1)},
-        {u"", kFailed, ItemReason::kSystem, other, N(kMsgStatusFirst + 27) + u" Protocol error"},
-        {u"", kFailed, ItemReason::kSystem, Status::Failure(StatusCode::kOther, 71), N(kMsgStatusFirst + 27) + u" 71"},
-        {u"", kFailed, ItemReason::kLastCopy, {}, N(kMsgReasonFirst + 12)},
-        {u"", ItemOutcome::kNotReached, ItemReason::kNone, {}, N(kMsgReasonFirst + 14)},
+    const auto reason = [this](ItemOutcome outcome, ItemReason why, const Status& status) {
+        return texts.ReasonText({0, u"Z:\\in\\a", u"", outcome, why, status});
     };
-    for (const auto& one : cases)
-        EXPECT_EQ(texts.ReasonText({0, one.source, u"", one.outcome, one.reason, one.status}), one.text);
+    const auto failure = [&](const Status& status) {
+        return reason(ItemOutcome::kFailed, ItemReason::kSystem, status);
+    };
+    EXPECT_EQ(failure(Status::Failure(StatusCode::kNotFound, 2, u"raw").At(u"Z:\\in\\a")),
+              u"it does not exist; check the name and the folder");
+    EXPECT_EQ(failure(Status::Failure(StatusCode::kOther, 71, u"Protocol error")), u"the system says: Protocol error");
+    EXPECT_EQ(failure(Status::Failure(StatusCode::kOther, 71)), u"the system says: 71");
+    EXPECT_EQ(reason(ItemOutcome::kNotReached, ItemReason::kNone, {}), u"the operation was stopped before it");
+    EXPECT_EQ(reason(ItemOutcome::kFailed, ItemReason::kLastCopy, {}), u"it is the last copy there is, so it stays");
 }
 
 }  // namespace

@@ -30,9 +30,6 @@ class CHistryComboBoxEx : public CComplementComboBox {
     // The window goes: saves the history with the box's text as its newest entry, if m_bSaveOnDestroy.
     void OnDestroy();
 
-    // Most recent first; always as many as SetHistory said, empty ones included.
-    const std::vector<std::u16string>& History() const { return m_history; }
-
     bool m_bSaveOnDestroy = false;
 
   protected:
@@ -47,7 +44,7 @@ class CHistryComboBoxEx : public CComplementComboBox {
     Settings& settings_;
     Messages& messages_;
     UserInterface& ui_;
-    std::vector<std::u16string> m_history;
+    std::vector<std::u16string> m_history;  // most recent first; as many as SetHistory said, empty ones included
     std::u16string valuePrefix_;
 };
 

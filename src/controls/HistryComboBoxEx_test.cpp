@@ -4,12 +4,9 @@
 #include <gtest/gtest.h>
 
 #include "controls/FolderBox_test.h"
-#include "platform/fake/FakeEnvironment.h"
-#include "platform/fake/FakeUserAccount.h"
-#include "platform/fake/MemoryFileSystem.h"
-#include "platform/fake/MemoryRegistry.h"
+#include "framework/FolderWorld_test.h"
 #include "platform/fake/ScriptedUserInterface.h"
-#include "platform/linux/LinuxPathCodec.h"
+#include "text/Utf16Bytes_test.h"
 
 namespace kinsort {
 namespace {
@@ -18,7 +15,7 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::SizeIs;
 
-class HistryComboBoxExTest : public testing::Test {
+class HistryComboBoxExTest : public testing::Test, protected FolderWorld {
   protected:
     HistryComboBoxExTest() {
         view.control = &box;
@@ -43,13 +40,6 @@ class HistryComboBoxExTest : public testing::Test {
         return view.items;
     }
 
-    MemoryRegistry registry;
-    Settings settings{registry, u"Kinsort"};
-    MemoryFileSystem files;
-    FakeUserAccount account;
-    FakeEnvironment environment;
-    const std::unique_ptr<PathCodec> codec = MakeLinuxPathCodec("");
-    VelFolders folders{{settings, files, account, environment, *codec}, u"C:\\Vel\\command\\Default\\Kinsort"};
     ScriptedUserInterface ui;
     Messages messages{settings, folders, files, ui};
     FolderText texts{*codec, "/home/me"};
@@ -63,19 +53,18 @@ TEST_F(HistryComboBoxExTest, TheHistoryIsReadWhenTheWindowHasComeUp) {
     EXPECT_THAT(DropDown(), IsEmpty());
     view.tasks.RunAll();
     EXPECT_THAT(DropDown(), ElementsAre(u"/a", u"D:\\c")) << "empty places are not shown";
-    EXPECT_THAT(box.History(), SizeIs(20));
-    EXPECT_EQ(box.History()[2], u"D:\\c");
+    box.OnDestroy();
+    EXPECT_THAT(Stored(), ElementsAre(u"Z:\\a", u"", u"D:\\c", u"", u"")) << "but keep their number";
     registry.failReads = Status::Failure(StatusCode::kIo);
     box.OnLoadHistory();
     EXPECT_THAT(DropDown(), IsEmpty());
 }
 
 TEST_F(HistryComboBoxExTest, TheTextBecomesTheNewestEntryWhenTheWindowGoes) {
-    struct Case {
+    const struct {
         std::u16string text;
         std::vector<std::u16string> stored;
-    };
-    const Case cases[] = {
+    } cases[] = {
         {u"C", {u"C", u"A", u"B", u"", u""}},
         {u"A", {u"A", u"B", u"C", u"", u""}},
         {u"D", {u"D", u"A", u"B", u"C", u""}},
@@ -83,12 +72,12 @@ TEST_F(HistryComboBoxExTest, TheTextBecomesTheNewestEntryWhenTheWindowGoes) {
         {u"/x y/", {u"Z:\\x y\\", u"A", u"B", u"C", u""}},
         {u"", {u"A", u"B", u"C", u"", u""}},
     };
-    for (const Case& c : cases) {
+    for (const auto& one : cases) {
         Store({u"A", u"B", u"C", u""});
         box.OnLoadHistory();
-        view.Type(c.text);
+        view.Type(one.text);
         box.OnDestroy();
-        EXPECT_EQ(Stored(), c.stored);
+        EXPECT_EQ(Stored(), one.stored);
     }
 }
 
@@ -115,29 +104,7 @@ TEST_F(HistryComboBoxExTest, NothingIsSavedUnlessWantedAndNobodyHearsOfARegistry
 }
 
 TEST_F(HistryComboBoxExTest, ClearingAsksFirst) {
-    constexpr std::string_view kMessages(
-        "6\0"
-        "2\0"
-        "4\0"
-        "0\0"
-        "0\0"
-        "\t\0"
-        "c\0"
-        "?\0"
-        "\r\0"
-        "\n\0"
-        "6\0"
-        "3\0"
-        "0\0"
-        "0\0"
-        "7\0"
-        "\t\0"
-        "!\0"
-        "\r\0"
-        "\n\0",
-        38);
-    files.AddFolder(u"C:\\Vel\\Lang");
-    files.SetContent(u"C:\\Vel\\Lang\\Msg.ja-JP.txt", kMessages);
+    files.SetContent(u"C:\\V\\Lang\\Msg.ja-JP.txt", Utf16Bytes(u"62400\tc?\r\n63007\t!\r\n"));
     Store({u"A", u"B", u"C", u"", u""});
     box.OnLoadHistory();
     view.Type(u"/x");
