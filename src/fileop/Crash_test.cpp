@@ -149,6 +149,11 @@ class CrashTest : public testing::Test {
         UndoHistory history(world_.ServicesOn(disk));
         const auto list = history.List();
         if (!list.ok()) return "the history cannot be read";
+        const auto unfinished = history.ListUnfinished();
+        if (!unfinished.ok()) return "the unfinished batches cannot be told";
+        const auto isUnfinished = [](const BatchSummary& one) { return one.state == BatchState::kUnfinished; };
+        if (std::ranges::count_if(*list, isUnfinished) != std::ranges::ssize(*unfinished))
+            return "an unfinished batch is overlooked";
         bool wasTorn = false;
         for (const BatchSummary& summary : *list) {
             if (summary.state == BatchState::kDamaged || summary.state == BatchState::kForeign)

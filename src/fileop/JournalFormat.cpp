@@ -1,5 +1,7 @@
 #include "fileop/JournalFormat.h"
 
+#include <algorithm>
+
 #include <xxhash.h>
 
 #include "fileop/ByteStream.h"
@@ -10,6 +12,8 @@ namespace {
 
 // length, checksum, sequence, durable length, type
 constexpr size_t kFrameHeadSize = 4 + 8 + 8 + 8 + 1;
+constexpr size_t kSequenceAt = 4 + 8;
+static_assert(kEndFrameSize == kFrameHeadSize + 1);
 
 struct Frame {
     Record record;
@@ -29,12 +33,17 @@ bool ReadFrame(std::string_view bytes, uint64_t sequence, Frame& frame) {
     const auto length = reader.Take<uint32_t>();
     const auto checksum = reader.Take<uint64_t>();
     if (length > bytes.size() - kFrameHeadSize || reader.Take<uint64_t>() != sequence) return false;
-    constexpr size_t kCovered = 4 + 8;
-    if (ChecksumOf(bytes.substr(kCovered, kFrameHeadSize - kCovered + length), sequence) != checksum) return false;
+    if (ChecksumOf(bytes.substr(kSequenceAt, kFrameHeadSize - kSequenceAt + length), sequence) != checksum)
+        return false;
     frame.durableLength = reader.Take<uint64_t>();
     frame.record = {reader.Take<RecordType>(), bytes.substr(kFrameHeadSize, length)};
     frame.size = kFrameHeadSize + length;
     return true;
+}
+
+// What the frame at the front of `bytes` says of its place; 0 when there is none.
+uint64_t SequenceOf(std::string_view bytes) {
+    return bytes.size() < kFrameHeadSize ? 0 : ByteReader(bytes.substr(kSequenceAt)).Take<uint64_t>();
 }
 
 // Whether a good frame somewhere in `bytes`, the rest of the file from offset `at` on, says that offset `at` was
@@ -43,8 +52,7 @@ bool WasDurable(uint64_t at, std::string_view bytes, uint64_t firstSequence) {
     // More frames than this cannot follow in the bytes that are left.
     const uint64_t lastSequence = firstSequence + bytes.size() / kFrameHeadSize;
     for (; bytes.size() >= kFrameHeadSize; bytes.remove_prefix(1)) {
-        ByteReader reader(bytes.substr(12));
-        const auto sequence = reader.Take<uint64_t>();
+        const uint64_t sequence = SequenceOf(bytes);
         Frame frame{};
         const bool isPlausible = sequence >= firstSequence && sequence <= lastSequence;
         if (isPlausible && ReadFrame(bytes, sequence, frame) && frame.durableLength > at) return true;
@@ -71,6 +79,21 @@ void AppendFrame(std::string& out, RecordType type, uint64_t sequence, uint64_t 
     head.Put(static_cast<uint32_t>(payload.size()));
     head.Put(ChecksumOf(covered.bytes(), sequence));
     out.append(head.bytes()).append(covered.bytes());
+}
+
+std::optional<uint64_t> ReadEndFrame(std::string_view bytes) {
+    Frame frame{};
+    if (bytes.size() != kEndFrameSize || !ReadFrame(bytes, SequenceOf(bytes), frame)) return std::nullopt;
+    if (frame.size != bytes.size() || frame.record.type != RecordType::kEnd) return std::nullopt;
+    return std::max<uint64_t>(frame.durableLength, kJournalHeadSize);
+}
+
+bool AreUnbroken(std::string_view bytes) {
+    if (bytes.empty()) return false;
+    Frame frame{};
+    for (uint64_t sequence = SequenceOf(bytes); ReadFrame(bytes, sequence, frame); ++sequence)
+        bytes.remove_prefix(frame.size);
+    return bytes.empty();
 }
 
 JournalScan ScanJournal(std::string_view bytes) {

@@ -5,6 +5,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -54,5 +55,12 @@ struct JournalScan {
 };
 
 JournalScan ScanJournal(std::string_view bytes);
+
+// When `bytes`, the last kEndFrameSize of a file, are the good frame of a batch that is over: where the part of the
+// file begins that has to be unbroken for it to count. What stands before that was durable.
+constexpr size_t kEndFrameSize = 30;
+std::optional<uint64_t> ReadEndFrame(std::string_view bytes);
+// Whether `bytes`, a part of a file, are good frames one behind the other, at least one.
+bool AreUnbroken(std::string_view bytes);
 
 }  // namespace kinsort

@@ -108,6 +108,22 @@ Result<LoadedBatch> JournalStore::Load(BatchId id) {
     return loaded;
 }
 
+bool JournalStore::IsEnded(BatchId id) {
+    const Result<FileHandle> file = sys_.OpenForRead(folder_, JournalName(id));
+    if (!file.ok()) return false;
+    const Result<FileInfo> info = sys_.Stat(*file);
+    if (!info.ok() || info->size < kEndFrameSize) return false;
+    const auto readFrom = [&](uint64_t at) {
+        std::string bytes(info->size - at, '\0');
+        const Result<size_t> got = ReadUpTo(sys_, *file, at, std::as_writable_bytes(std::span(bytes)));
+        if (!got.ok() || *got != bytes.size()) bytes.clear();
+        return bytes;
+    };
+    // After a power cut a last frame may stand behind a gap.
+    const std::optional<uint64_t> start = ReadEndFrame(readFrom(info->size - kEndFrameSize));
+    return start && *start <= info->size - kEndFrameSize && AreUnbroken(readFrom(*start));
+}
+
 Result<FileHandle> JournalStore::Lock(BatchId id) {
     Result<FileHandle> file = sys_.OpenForWrite(folder_, JournalName(id));
     if (!file.ok()) return file;

@@ -38,6 +38,9 @@ class JournalStore {
     Result<std::vector<BatchId>> List();
     // Reads a journal; files that are not the user's own and private are refused with kAccessDenied.
     Result<LoadedBatch> Load(BatchId id);
+    // Whether the journal ends with the batch being over; a small part of it is read. Of one that is damaged before
+    // that part the answer means nothing.
+    bool IsEnded(BatchId id);
     // Opens an existing journal and takes its lock: kLocked while some process works on that batch.
     Result<FileHandle> Lock(BatchId id);
     // Makes a locked journal ready for more records: what a crash tore off is cut away for good.

@@ -238,6 +238,25 @@ Result<std::vector<BatchSummary>> UndoHistory::List() {
     return summaries;
 }
 
+Result<std::vector<BatchSummary>> UndoHistory::ListUnfinished() {
+    JournalStore store(services_.sys, services_.journalFolder);
+    if (Status opened = store.Open(); !opened.ok()) return opened;
+    const Result<std::vector<BatchId>> ids = store.List();
+    if (!ids.ok()) return ids.status();
+    const bool isAnyOpen = std::any_of(ids->begin(), ids->end(), [&store](BatchId id) {
+        if (store.IsEnded(id)) return false;
+        const Result<LoadedBatch> loaded = store.Load(id);
+        return loaded.ok() && loaded->isTrusted() && loaded->batch.isPlanned && !loaded->batch.isEnded;
+    });
+    if (!isAnyOpen) return std::vector<BatchSummary>();
+    Result<std::vector<BatchSummary>> batches = List();
+    if (!batches.ok()) return batches;
+    std::erase_if(*batches, [](const BatchSummary& batch) {
+        return batch.state != BatchState::kUnfinished && batch.state != BatchState::kRunning;
+    });
+    return batches;
+}
+
 BatchId UndoHistory::NewestUndoable() {
     const Result<std::vector<BatchSummary>> list = List();
     if (!list.ok()) return 0;

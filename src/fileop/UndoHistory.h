@@ -49,6 +49,9 @@ class UndoHistory {
 
     // All batches that are kept, newest first; undo and redo batches are folded into the batch they belong to.
     Result<std::vector<BatchSummary>> List();
+    // Those of them that are unfinished or running. Quick where there is none, however much was sorted: for the start
+    // of a program.
+    Result<std::vector<BatchSummary>> ListUnfinished();
     // The newest batch that can be undone / redone; 0 when there is none.
     BatchId NewestUndoable();
     BatchId NewestRedoable();
