@@ -37,11 +37,7 @@ int main(int argc, char** argv) {
     }
     MemorySys disk;
     BatchWorld world;
-    BatchWorld::Prepare(disk);
-    disk.WriteFile("/in/a.txt", "A");
-    disk.WriteFile("/in/b.txt", "B");
-    disk.WriteFile("/in/album/c.txt", "C");
-    disk.WriteFile("/out/b.txt", "old");
+    BatchWorld::PrepareFiles(disk);
     disk.AddVolume("/usb", {});
     disk.MakeFolders("/usb/U");
     const OperationPolicy policy{

@@ -28,6 +28,14 @@ class BatchWorld {
 
     // Makes room for the journals on a disk whose top belongs to the system.
     static void Prepare(MemorySys& disk) { disk.MakeFolders("/state"); }
+    // With files to sort, one of which has a namesake in "/out".
+    static void PrepareFiles(MemorySys& disk) {
+        Prepare(disk);
+        disk.WriteFile("/in/a.txt", "A");
+        disk.WriteFile("/in/b.txt", "B");
+        disk.WriteFile("/in/album/c.txt", "C");
+        disk.WriteFile("/out/b.txt", "old");
+    }
 
     FileOperationServices ServicesOn(Sys& sys) { return {sys, *codec_, clock_, kJournals}; }
 

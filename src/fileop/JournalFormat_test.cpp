@@ -19,11 +19,7 @@ const std::string& RealJournal() {
     static const std::string bytes = [] {
         MemorySys disk;
         BatchWorld world;
-        BatchWorld::Prepare(disk);
-        disk.WriteFile("/in/a.txt", "A");
-        disk.WriteFile("/in/b.txt", "B");
-        disk.WriteFile("/in/album/c.txt", "C");
-        disk.WriteFile("/out/b.txt", "old");
+        BatchWorld::PrepareFiles(disk);
         const BatchResult result =
             world.Run(disk, {{true, "/in/a.txt", "/out"}, {true, "/in/b.txt", "/out"}, {false, "/in/album", "/out"}},
                       {.conflicts = ConflictAnswer::kReplace, .durability = Durability::kContent, .threads = 1});
