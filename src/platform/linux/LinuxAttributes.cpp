@@ -4,7 +4,6 @@
 #include <string_view>
 #include <vector>
 
-#include <dirent.h>
 #include <errno.h>
 #include <fcntl.h>
 #include <string.h>
@@ -13,6 +12,7 @@
 #include <sys/sysmacros.h>
 #include <sys/xattr.h>
 
+#include "platform/linux/FolderStream.h"
 #include "platform/linux/LinuxError.h"
 
 namespace kinsort {
@@ -40,16 +40,14 @@ uint64_t HashText(std::string_view text) {
 
 // The UUID under which the system lists the block device; 0 when it lists none.
 uint64_t UuidOfDevice(dev_t device) {
-    DIR* folder = opendir("/dev/disk/by-uuid");
+    const FolderStream folder(opendir("/dev/disk/by-uuid"));
     if (folder == nullptr) return 0;
-    uint64_t id = 0;
-    while (const dirent* entry = readdir(folder)) {
+    while (const dirent* entry = readdir(folder.get())) {
         struct stat info;
-        if (fstatat(dirfd(folder), entry->d_name, &info, 0) != 0) continue;
-        if (S_ISBLK(info.st_mode) && info.st_rdev == device) id = HashText(entry->d_name);
+        if (fstatat(dirfd(folder.get()), entry->d_name, &info, 0) != 0) continue;
+        if (S_ISBLK(info.st_mode) && info.st_rdev == device) return HashText(entry->d_name);
     }
-    closedir(folder);
-    return id;
+    return 0;
 }
 
 // The kernel's way of packing a device number, which many volumes hand out as their identity.

@@ -7,13 +7,13 @@
 #include <utility>
 #include <vector>
 
-#include <dirent.h>
 #include <errno.h>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unicode/uchar.h>
 #include <unicode/utf16.h>
 
+#include "platform/linux/FolderStream.h"
 #include "platform/linux/LinuxError.h"
 #include "platform/linux/LinuxFileStreams.h"
 #include "platform/linux/PathWalk.h"
@@ -72,10 +72,6 @@ std::optional<FindData> Look(int folder, const char* text, std::u16string_view n
 struct ListedName {
     std::u16string name;
     bool isPlainFolder = false;  // the listing itself says so; everything else is looked at when its turn comes
-};
-
-struct CloseStream {
-    void operator()(DIR* stream) const { closedir(stream); }
 };
 
 class OneEntry final : public FolderSearch {
@@ -235,10 +231,9 @@ class LinuxFileSystem final : public FileSystem {
 
     // The matching names in the order of the listing.
     Result<std::vector<ListedName>> ReadNames(int folder, std::u16string_view pattern, bool withDots) const {
-        Descriptor copy(fcntl(folder, F_DUPFD_CLOEXEC, 0));
-        const std::unique_ptr<DIR, CloseStream> stream(copy.isOpen() ? fdopendir(copy.get()) : nullptr);
+        // Not opened anew, which takes the right to pass the folder.
+        const FolderStream stream = ListDescriptor(Descriptor(fcntl(folder, F_DUPFD_CLOEXEC, 0)));
         if (stream == nullptr) return StatusFromErrno(errno);
-        copy.Release();
         std::vector<ListedName> names;
         for (const std::u16string_view dots : {std::u16string_view(u"."), std::u16string_view(u"..")}) {
             if (withDots && NameMatchesPattern(dots, pattern)) names.push_back({std::u16string(dots), true});

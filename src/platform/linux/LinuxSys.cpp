@@ -4,7 +4,6 @@
 #include <atomic>
 #include <fstream>
 
-#include <dirent.h>
 #include <errno.h>
 #include <fcntl.h>
 #include <limits.h>
@@ -17,6 +16,7 @@
 #include <sys/syscall.h>
 #include <unistd.h>
 
+#include "platform/linux/FolderStream.h"
 #include "platform/linux/LinuxAttributes.h"
 #include "platform/linux/LinuxError.h"
 #include "platform/linux/LinuxOpen.h"
@@ -87,18 +87,18 @@ class LinuxSys final : public Sys {
     Result<std::string> PathOf(const FileHandle& folder) override { return PathOfFolder(folder.number()); }
 
     Status ReadFolder(const FileHandle& folder, const std::function<bool(const FolderEntry&)>& sink) override {
-        // A descriptor of its own has a position of its own, so two threads can list one folder.
-        const int number = openat(folder.number(), ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-        if (number < 0) return StatusFromErrno(errno);
-        DIR* stream = fdopendir(number);
-        if (stream == nullptr) {
-            const Status failure = StatusFromErrno(errno);
-            close(number);
-            return failure;
+        const FolderStream stream = ListFolder(folder.number());
+        if (stream == nullptr) return StatusFromErrno(errno);
+        FolderEntry entry;
+        while (true) {
+            errno = 0;
+            const dirent* raw = readdir(stream.get());
+            if (raw == nullptr) return FromReturn(errno);
+            entry.name = raw->d_name;
+            if (entry.name == "." || entry.name == "..") continue;
+            entry.kind = KindOfEntry(raw->d_type);
+            if (!sink(entry)) return {};
         }
-        const Status status = ReadEntries(stream, sink);
-        closedir(stream);
-        return status;
     }
 
     Status MakeFolderAt(const FileHandle& folder, std::string_view name, uint32_t mode) override {
@@ -354,19 +354,6 @@ class LinuxSys final : public Sys {
         struct stat info;
         if (fstat(file.number(), &info) != 0) return StatusFromErrno(errno);
         return std::min(offset, static_cast<uint64_t>(info.st_size));
-    }
-
-    static Status ReadEntries(DIR* stream, const std::function<bool(const FolderEntry&)>& sink) {
-        FolderEntry entry;
-        while (true) {
-            errno = 0;
-            const dirent* raw = readdir(stream);
-            if (raw == nullptr) return FromReturn(errno);
-            entry.name = raw->d_name;
-            if (entry.name == "." || entry.name == "..") continue;
-            entry.kind = KindOfEntry(raw->d_type);
-            if (!sink(entry)) return {};
-        }
     }
 
     static Status Rename(const FileHandle& fromFolder, std::string_view from, const FileHandle& toFolder,

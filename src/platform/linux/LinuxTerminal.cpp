@@ -11,6 +11,7 @@
 #include <unicode/uchar.h>
 #include <unistd.h>
 
+#include "platform/linux/Descriptor.h"
 #include "platform/linux/LinuxError.h"
 
 namespace kinsort {
@@ -43,12 +44,10 @@ static_assert(static_cast<int>(Stream::kInput) == STDIN_FILENO && static_cast<in
 class LinuxTerminal : public Terminal {
   public:
     ~LinuxTerminal() override {
-        if (wake_[0] < 0) return;
+        if (!wakeUp_.isOpen()) return;
         for (const int number : kStopSignals)
             signal(number, SIG_DFL);
         gWakeUp = -1;
-        close(wake_[0]);
-        close(wake_[1]);
     }
 
     bool IsTerminal(Stream stream) const override { return isatty(DescriptorOf(stream)) == 1; }
@@ -108,18 +107,19 @@ class LinuxTerminal : public Terminal {
     Result<std::string> ReadAll(std::string_view nativePath) override {
         if (nativePath == "-") return ReadToEnd(STDIN_FILENO);
         // Non-blocking, so that a pipe without a writer is waited for where an interrupt is seen.
-        const int file = open(std::string(nativePath).c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK);
-        if (file < 0) return StatusFromErrno(errno);
-        Result<std::string> content = ReadToEnd(file);
-        close(file);
-        return content;
+        const Descriptor file(open(std::string(nativePath).c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK));
+        if (!file.isOpen()) return StatusFromErrno(errno);
+        return ReadToEnd(file.get());
     }
 
     void CallOnInterrupt(void (*action)(void*), void* context) override {
         gContext = context;
         gAction = action;
-        if (wake_[0] >= 0 || pipe2(wake_.data(), O_CLOEXEC | O_NONBLOCK) != 0) return;
-        gWakeUp = wake_[1];
+        std::array<int, 2> ends = {};
+        if (wakeUp_.isOpen() || pipe2(ends.data(), O_CLOEXEC | O_NONBLOCK) != 0) return;
+        wokenUp_ = Descriptor(ends[0]);
+        wakeUp_ = Descriptor(ends[1]);
+        gWakeUp = wakeUp_.get();
         struct sigaction handler {};
         handler.sa_handler = OnSignal;
         handler.sa_flags = SA_RESTART;  // no call in the middle of a batch fails because of it
@@ -136,7 +136,7 @@ class LinuxTerminal : public Terminal {
     // Waits for input or an interrupt; 0 at the end.
     Result<size_t> ReadSome(int file, char* buffer, size_t size) {
         for (;;) {
-            std::array<pollfd, 2> waiting = {pollfd{file, POLLIN, 0}, pollfd{wake_[0], POLLIN, 0}};
+            std::array<pollfd, 2> waiting = {pollfd{file, POLLIN, 0}, pollfd{wokenUp_.get(), POLLIN, 0}};
             if (poll(waiting.data(), waiting.size(), -1) < 0 && errno != EINTR) return StatusFromErrno(errno);
             if ((waiting[1].revents & POLLIN) != 0) return StatusFromErrno(EINTR);
             if (waiting[0].revents == 0) continue;
@@ -158,7 +158,8 @@ class LinuxTerminal : public Terminal {
         }
     }
 
-    std::array<int, 2> wake_ = {-1, -1};
+    Descriptor wokenUp_;  // readable once there was an interrupt
+    Descriptor wakeUp_;   // its other end
 };
 
 }  // namespace

@@ -4,11 +4,9 @@
 #include <array>
 #include <charconv>
 #include <cstring>
-#include <memory>
 #include <optional>
 #include <utility>
 
-#include <dirent.h>
 #include <errno.h>
 #include <fcntl.h>
 #include <sys/file.h>
@@ -20,6 +18,7 @@
 #include <unistd.h>
 
 #include "platform/WindowMessages.h"
+#include "platform/linux/FolderStream.h"
 #include "platform/linux/LinuxError.h"
 #include "platform/linux/RuntimeFolder.h"
 
@@ -186,9 +185,8 @@ std::vector<WindowRecord> WindowFolder::List() const {
     std::vector<WindowRecord> windows;
     Result<Descriptor> folder = OpenRuntimeFolder(path_, owner_);
     if (!folder.ok()) return windows;
-    const int listed = openat(folder->get(), ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    const std::unique_ptr<DIR, int (*)(DIR*)> entries(listed < 0 ? nullptr : fdopendir(listed), closedir);
-    if (!entries) return windows;
+    const FolderStream entries = ListFolder(folder->get());
+    if (entries == nullptr) return windows;
     while (const dirent* entry = readdir(entries.get())) {
         const WindowHandle handle = HandleOfRecord(entry->d_name);
         if (handle == kNoWindow) continue;
