@@ -36,11 +36,6 @@ void ChildReaper::Adopt(pid_t child, Descriptor handle) {
     pthread_sigmask(SIG_SETMASK, &before, nullptr);
 }
 
-size_t ChildReaper::Count() {
-    const std::lock_guard lock(mutex_);
-    return children_.size();
-}
-
 void ChildReaper::Run() {
     std::vector<pollfd> waits;
     while (true) {

@@ -21,8 +21,6 @@ class ChildReaper {
 
     // Takes the child over. `handle` is its pidfd. From any thread.
     void Adopt(pid_t child, Descriptor handle);
-    // How many children are waited for.
-    size_t Count();
 
   private:
     struct Child {

@@ -9,6 +9,7 @@
 
 #include "platform/linux/LinuxError.h"
 #include "platform/linux/PathWalk.h"
+#include "text/Numbers.h"
 #include "text/PathSyntax.h"
 
 namespace kinsort {
@@ -23,8 +24,7 @@ bool IsAddress(std::u16string_view text) {
     const size_t colon = text.find(u':');
     if (colon == text.npos || colon < 2 || !IsDriveLetter(text[0])) return false;
     for (const char16_t unit : text.substr(0, colon)) {
-        const bool isDigit = unit >= u'0' && unit <= u'9';
-        if (!IsDriveLetter(unit) && !isDigit && unit != u'+' && unit != u'-' && unit != u'.') return false;
+        if (!IsDriveLetter(unit) && !IsDigit(unit) && unit != u'+' && unit != u'-' && unit != u'.') return false;
     }
     return true;
 }

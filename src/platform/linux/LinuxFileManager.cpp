@@ -1,7 +1,5 @@
 #include "platform/linux/LinuxFileManager.h"
 
-#include <utility>
-
 #include <errno.h>
 
 #include "platform/linux/LinuxError.h"
@@ -17,9 +15,8 @@ constexpr int32_t kAnswerMs = 10'000;
 
 class LinuxFileManager final : public FileManager {
   public:
-    LinuxFileManager(Processes& processes, DesktopOpener& opener, FileSystem& files, const PathCodec& codec,
-                     std::u16string busTool)
-        : processes_(processes), opener_(opener), files_(files), codec_(codec), busTool_(std::move(busTool)) {}
+    LinuxFileManager(Processes& processes, DesktopOpener& opener, FileSystem& files, const PathCodec& codec)
+        : processes_(processes), opener_(opener), files_(files), codec_(codec) {}
 
     Status ShowFolder(std::u16string_view path) override {
         const Result<std::string> stored = Find(path);
@@ -45,7 +42,7 @@ class LinuxFileManager final : public FileManager {
     // its list at commas, but an address has none that is not escaped.
     bool Call(std::u16string_view method, const std::string& stored) const {
         ProcessRequest request;
-        request.program = busTool_;
+        request.program = u"dbus-send";
         request.arguments = {u"--session",
                              u"--print-reply",
                              u"--reply-timeout=5000",
@@ -69,14 +66,13 @@ class LinuxFileManager final : public FileManager {
     DesktopOpener& opener_;
     FileSystem& files_;
     const PathCodec& codec_;
-    std::u16string busTool_;
 };
 
 }  // namespace
 
 std::unique_ptr<FileManager> MakeLinuxFileManager(Processes& processes, DesktopOpener& opener, FileSystem& files,
-                                                  const PathCodec& codec, std::u16string busTool) {
-    return std::make_unique<LinuxFileManager>(processes, opener, files, codec, std::move(busTool));
+                                                  const PathCodec& codec) {
+    return std::make_unique<LinuxFileManager>(processes, opener, files, codec);
 }
 
 }  // namespace kinsort

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <memory>
-#include <string>
 
 #include "platform/DesktopOpener.h"
 #include "platform/FileManager.h"
@@ -12,8 +11,8 @@
 
 namespace kinsort {
 
-// `busTool` is the program that calls methods on the bus. All references outlive the result.
+// All references outlive the result.
 std::unique_ptr<FileManager> MakeLinuxFileManager(Processes& processes, DesktopOpener& opener, FileSystem& files,
-                                                  const PathCodec& codec, std::u16string busTool = u"dbus-send");
+                                                  const PathCodec& codec);
 
 }  // namespace kinsort

@@ -155,6 +155,24 @@ class SpawnPlan {
     posix_spawnattr_t attributes_;
 };
 
+// What the program is handed for one argument: the native path for one that is wholly a path with a drive or share that
+// is set up, else the text itself, in which parts of stored names become their bytes again.
+std::string ArgumentToStored(const PathCodec& codec, std::u16string_view argument) {
+    const PathRootKind kind = ParsePathRoot(argument).kind;
+    if (kind == PathRootKind::kDrive || (kind == PathRootKind::kShare && argument.starts_with(u"\\\\"))) {
+        Result<std::string> path = codec.PathToStored(argument);
+        if (path.ok()) return std::move(*path);
+    }
+    std::string out;
+    for (size_t begin = 0; begin <= argument.size();) {
+        const size_t end = std::min(argument.find(u'/', begin), argument.size());
+        out += codec.NameToStored(argument.substr(begin, end - begin));
+        if (end < argument.size()) out += '/';
+        begin = end + 1;
+    }
+    return out;
+}
+
 // As the system takes lists of texts: with a null at the end.
 std::vector<char*> PointersTo(std::vector<std::string>& texts) {
     std::vector<char*> pointers;
@@ -252,22 +270,6 @@ class LinuxProcesses final : public Processes {
 };
 
 }  // namespace
-
-std::string ArgumentToStored(const PathCodec& codec, std::u16string_view argument) {
-    const PathRootKind kind = ParsePathRoot(argument).kind;
-    if (kind == PathRootKind::kDrive || (kind == PathRootKind::kShare && argument.starts_with(u"\\\\"))) {
-        Result<std::string> path = codec.PathToStored(argument);
-        if (path.ok()) return std::move(*path);
-    }
-    std::string out;
-    for (size_t begin = 0; begin <= argument.size();) {
-        const size_t end = std::min(argument.find(u'/', begin), argument.size());
-        out += codec.NameToStored(argument.substr(begin, end - begin));
-        if (end < argument.size()) out += '/';
-        begin = end + 1;
-    }
-    return out;
-}
 
 std::unique_ptr<Processes> MakeLinuxProcesses(const PathCodec& codec, FileSystem& files) {
     return std::make_unique<LinuxProcesses>(codec, files);

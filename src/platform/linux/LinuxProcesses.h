@@ -13,8 +13,4 @@ namespace kinsort {
 // "ignore" for the end of child processes, which would lose their exit codes.
 std::unique_ptr<Processes> MakeLinuxProcesses(const PathCodec& codec, FileSystem& files);
 
-// What the program is handed for one argument: the native path for one that is wholly a path with a drive or share that
-// is set up, else the text itself, in which parts of stored names become their bytes again.
-std::string ArgumentToStored(const PathCodec& codec, std::u16string_view argument);
-
 }  // namespace kinsort
