@@ -3,12 +3,12 @@
 #include "platform/Sys_contract_test.h"
 
 #include <map>
-#include <random>
 #include <set>
 
 #include "platform/fake/FaultSys.h"
 #include "platform/fake/MemorySys.h"
 #include "platform/linux/LinuxSys.h"
+#include "platform/linux/TemporaryFolder_test.h"
 
 namespace kinsort {
 namespace {
@@ -17,37 +17,13 @@ using ::testing::UnorderedElementsAre;
 
 class RealPlace final : public Place {
   public:
-    explicit RealPlace(const std::string& above) : sys_(MakeLinuxSys()) {
-        path_ = above + "/kinsort-sys-" + std::to_string(std::random_device{}());
-        EXPECT_TRUE(std::filesystem::create_directory(path_)) << path_;
-    }
-    // By open folders: the tests build paths that are too long for anything else.
-    ~RealPlace() override {
-        Empty(*sys_->OpenFolder(path_));
-        std::filesystem::remove(path_);
-    }
+    explicit RealPlace(const std::filesystem::path& above) : folder_(above) {}
     Sys& sys() override { return *sys_; }
-    std::string path() const override { return path_; }
+    std::string path() const override { return folder_.path(); }
 
   private:
-    void Empty(const FileHandle& folder) {
-        std::vector<FolderEntry> entries;
-        (void)sys_->ReadFolder(folder, [&](const FolderEntry& entry) {
-            entries.push_back(entry);
-            return true;
-        });
-        for (const FolderEntry& entry : entries) {
-            if (entry.kind == FileKind::kFolder) {
-                Empty(*sys_->OpenFolderAt(folder, entry.name));
-                EXPECT_TRUE(sys_->RemoveFolderAt(folder, entry.name).ok());
-            } else {
-                EXPECT_TRUE(sys_->RemoveFileAt(folder, entry.name).ok());
-            }
-        }
-    }
-
-    std::unique_ptr<Sys> sys_;
-    std::string path_;
+    const TemporaryFolder folder_;
+    const std::unique_ptr<Sys> sys_ = MakeLinuxSys();
 };
 
 class MemoryPlace final : public Place {
@@ -65,7 +41,7 @@ class MemoryPlace final : public Place {
 };
 
 std::unique_ptr<Place> MakeInTemp() {
-    return std::make_unique<RealPlace>(std::filesystem::temp_directory_path().string());
+    return std::make_unique<RealPlace>(std::filesystem::temp_directory_path());
 }
 std::unique_ptr<Place> MakeInShm() {
     return std::make_unique<RealPlace>("/dev/shm");
@@ -212,6 +188,11 @@ TEST_P(SysContract, NoPathIsTooLong) {
     EXPECT_EQ(Read(*deep, "leaf"), "deep");
     EXPECT_EQ(*sys().PathOf(*deep), path);
     EXPECT_TRUE(sys().Stat(*sys().OpenParent(*deep))->SameFile(*sys().Stat(chain[38])));
+    for (const size_t separators : {2, 4090, 5000}) {  // they count once, wherever a long path is cut
+        const std::string spelled = std::string(path).insert(place_->path().size(), separators, '/') + "//";
+        ASSERT_TRUE(sys().OpenFolder(spelled).ok()) << separators;
+        EXPECT_EQ(*sys().PathOf(*sys().OpenFolder(spelled)), path);
+    }
     EXPECT_EQ(sys().OpenFolder(path + "/none").code(), StatusCode::kNotFound);
     EXPECT_EQ(sys().OpenFolder("/" + std::string(9000, 'x')).code(), StatusCode::kNameTooLong);
     ASSERT_TRUE(sys().RenameNoReplace(*deep, "leaf", root_, "leaf").ok());

@@ -14,7 +14,6 @@
 #include <grp.h>
 #include <gtest/gtest.h>
 #include <signal.h>
-#include <stdlib.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -22,6 +21,7 @@
 #include <unistd.h>
 
 #include "platform/linux/LinuxError.h"
+#include "platform/linux/TemporaryFolder_test.h"
 
 namespace kinsort {
 namespace {
@@ -34,15 +34,9 @@ std::span<const std::byte> Bytes(std::string_view text) {
 
 class LinuxSysTest : public ::testing::Test {
   protected:
-    LinuxSysTest() : sys_(MakeLinuxSys()) {
-        char name[] = "/tmp/kinsort-linux-XXXXXX";
-        path_ = mkdtemp(name);
+    LinuxSysTest() {
         (void)chmod(path_.c_str(), 0755);
         root_ = std::move(*sys_->OpenFolder(path_));
-    }
-    ~LinuxSysTest() override {
-        root_.Reset();
-        std::filesystem::remove_all(path_);
     }
 
     std::string Path(const std::string& name) const { return path_ + "/" + name; }
@@ -80,8 +74,9 @@ class LinuxSysTest : public ::testing::Test {
         EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << "in the child: " << report;
     }
 
-    std::unique_ptr<Sys> sys_;
-    std::string path_;
+    const TemporaryFolder folder_;
+    const std::string path_ = folder_.path();
+    const std::unique_ptr<Sys> sys_ = MakeLinuxSys();
     FileHandle root_;
 };
 
@@ -102,13 +97,10 @@ TEST_F(LinuxSysTest, ErrnoBecomesACodeANumberAndAText) {
     const struct {
         int error;
         StatusCode code;
-    } cases[] = {{ENOENT, StatusCode::kNotFound},       {EPERM, StatusCode::kAccessDenied},
-                 {ENOSPC, StatusCode::kNoSpace},        {EDQUOT, StatusCode::kQuota},
-                 {EFBIG, StatusCode::kFileTooLarge},    {ELOOP, StatusCode::kIsLink},
-                 {EXDEV, StatusCode::kCrossVolume},     {ENOSYS, StatusCode::kUnsupported},
-                 {EMFILE, StatusCode::kTooManyOpen},    {EIO, StatusCode::kIo},
-                 {ETXTBSY, StatusCode::kBusy},          {EINTR, StatusCode::kInterrupted},
-                 {ESTALE, StatusCode::kStale},          {ECHILD, StatusCode::kOther},
+    } cases[] = {{EDQUOT, StatusCode::kQuota},
+                 {EIO, StatusCode::kIo},
+                 {ESTALE, StatusCode::kStale},
+                 {ECHILD, StatusCode::kOther},
                  {EHWPOISON + 1000, StatusCode::kOther}};
     for (const auto& [error, code] : cases) {
         const Status status = StatusFromErrno(error);

@@ -9,7 +9,8 @@ namespace kinsort {
 
 class TemporaryFolder {
   public:
-    TemporaryFolder() : path_(std::filesystem::temp_directory_path() / "kinsort-XXXXXX") {
+    explicit TemporaryFolder(const std::filesystem::path& above = std::filesystem::temp_directory_path())
+        : path_(above / "kinsort-XXXXXX") {
         if (mkdtemp(path_.data()) == nullptr) std::abort();
         path_ = std::filesystem::canonical(path_);
     }
