@@ -22,23 +22,17 @@ std::string CliContext::ShownPath(std::u16string_view innerPath) const {
 }
 
 std::optional<FileOperationServices> CliContext::EngineServices() {
-    // A relative value does not count: the journal must not depend on where the program was started.
-    std::string folder = services.environment("XDG_STATE_HOME");
-    if (folder.empty() || folder[0] != '/') {
-        folder = services.environment("HOME");
-        if (folder.empty() || folder[0] != '/') {
-            console.Say("there is no place for the undo journal: set HOME or XDG_STATE_HOME to a folder");
-            return std::nullopt;
-        }
-        folder += "/.local/state";
+    if (services.journalFolder.empty()) {
+        console.Say("there is no place for the undo journal: set HOME or XDG_STATE_HOME to a folder");
+        return std::nullopt;
     }
-    return FileOperationServices{services.sys, services.codec, services.clock, folder + "/vel/undo"};
+    return FileOperationServices{services.sys, services.codec, services.clock, services.journalFolder};
 }
 
 BatchId CliContext::WarnOfUnfinishedBatches(FileOperationServices& engine) {
     if (!services.sys.OpenFolder(engine.journalFolder).ok())
         return 0;  // nothing was ever sorted; leave no folder behind
-    const Result<std::vector<BatchSummary>> batches = UndoHistory(engine).List();
+    const Result<std::vector<BatchSummary>> batches = UndoHistory(engine).ListUnfinished();
     if (!batches.ok()) return 0;  // the verb itself will meet the same failure and say so
     BatchId newest = 0;
     for (const BatchSummary& batch : *batches) {

@@ -37,6 +37,7 @@ struct CliServices {
     std::function<HostServices&()> host;
     // What scripts need besides.
     std::function<const ScriptBackend&()> script;
+    std::string journalFolder = {};  // of the undo journal, stored path; empty when there is no place for it
 };
 
 class CliContext {

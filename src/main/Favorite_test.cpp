@@ -9,6 +9,7 @@
 #include "main/KinsortProgram.h"
 #include "platform/linux/LinuxPathCodec.h"
 #include "platform/linux/TemporaryFolder_test.h"
+#include "platform/linux/UserFolders.h"
 #include "text/Split.h"
 #include "text/Utf8.h"
 #include "ui/qt/ModalWindows_test.h"

@@ -5,6 +5,7 @@
 #include "platform/linux/LinuxProcesses.h"
 #include "platform/linux/LinuxUserAccount.h"
 #include "platform/linux/SqliteRegistry.h"
+#include "platform/linux/UserFolders.h"
 
 namespace kinsort {
 namespace {

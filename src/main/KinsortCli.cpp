@@ -15,6 +15,7 @@
 #include "platform/linux/LinuxSharedMemory.h"
 #include "platform/linux/LinuxSys.h"
 #include "platform/linux/LinuxTerminal.h"
+#include "platform/linux/UserFolders.h"
 #include "text/Utf8.h"
 
 namespace {
@@ -69,6 +70,7 @@ int main(int argc, char** argv) {
             if (!scripts) scripts = std::make_unique<kinsort::ScriptPlatform>(*codec, *files, hostServices());
             return scripts->Backend();
         },
+        .journalFolder = kinsort::JournalFolderOfThisUser(),
     };
     return kinsort::RunKinsort(services, std::vector<std::string>(argv + (argc > 0 ? 1 : 0), argv + argc));
 }

@@ -7,7 +7,6 @@
 #include "framework/MessageNumbers.h"
 #include "platform/linux/IcuCodePages.h"
 #include "platform/linux/IcuLocaleMap.h"
-#include "platform/linux/JournalFolder.h"
 #include "platform/linux/LinuxClock.h"
 #include "platform/linux/LinuxDesktopOpener.h"
 #include "platform/linux/LinuxFileSystem.h"
@@ -17,6 +16,7 @@
 #include "platform/linux/LinuxSystemInfo.h"
 #include "platform/linux/LinuxUserAccount.h"
 #include "platform/linux/LinuxWindowMessages.h"
+#include "platform/linux/UserFolders.h"
 #include "text/Utf8.h"
 
 namespace kinsort {

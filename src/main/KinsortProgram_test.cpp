@@ -24,6 +24,7 @@
 #include "platform/linux/LinuxPathCodec.h"
 #include "platform/linux/LinuxWindowMessages.h"
 #include "platform/linux/TemporaryFolder_test.h"
+#include "platform/linux/UserFolders.h"
 #include "text/Utf8.h"
 #include "ui/qt/ModalWindows_test.h"
 #include "ui/qt/QtText.h"

@@ -1,9 +1,7 @@
 #include "platform/linux/LinuxOpen.h"
 
-#include <algorithm>
 #include <utility>
 
-#include <dirent.h>
 #include <errno.h>
 #include <fcntl.h>
 #include <limits.h>
@@ -15,7 +13,9 @@
 #include <unistd.h>
 
 #include "platform/linux/Descriptor.h"
+#include "platform/linux/FolderStream.h"
 #include "platform/linux/LinuxError.h"
+#include "platform/linux/PathWalk.h"
 
 namespace kinsort {
 namespace {
@@ -37,14 +37,6 @@ bool HasOpenat2() {
         return probe.get() >= 0;
     }();
     return has;
-}
-
-// The first part of `path` that one call can take, cut at a separator; empty when a single name is too long.
-std::string_view LeadingChunk(std::string_view path) {
-    constexpr size_t kMost = PATH_MAX - 1;
-    if (path.size() <= kMost) return path;
-    const size_t cut = path.rfind('/', kMost);
-    return cut == std::string_view::npos ? std::string_view() : path.substr(0, cut);
 }
 
 bool SameInode(const struct stat& a, const struct stat& b) {
@@ -70,30 +62,20 @@ std::string ShortPathOf(int folder) {
     return path;
 }
 
-// The name that `child` has in `parent`, found by looking at every sub-folder; empty with errno when there is none.
-std::string NameInParent(int child, int parent) {
+// The name that `child` has in `parent`, found by looking at every sub-folder.
+Result<std::string> NameInParent(int child, int parent) {
     struct stat wanted;
-    if (fstat(child, &wanted) != 0) return {};
-    Descriptor list(openat(parent, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    if (list.get() < 0) return {};
-    DIR* stream = fdopendir(list.get());
-    if (stream == nullptr) return {};
-    list.Release();
-    std::string found;
-    errno = 0;
-    while (const dirent* entry = readdir(stream)) {
+    if (fstat(child, &wanted) != 0) return StatusFromErrno(errno);
+    const FolderStream list = ListFolder(parent);
+    if (list == nullptr) return StatusFromErrno(errno);
+    while (const dirent* entry = readdir(list.get())) {
         if (strcmp(entry->d_name, ".") == 0 || strcmp(entry->d_name, "..") == 0) continue;
         if (entry->d_type != DT_DIR && entry->d_type != DT_UNKNOWN) continue;
         struct stat info;
-        if (fstatat(parent, entry->d_name, &info, AT_SYMLINK_NOFOLLOW) == 0 && SameInode(info, wanted)) {
-            found = entry->d_name;
-            break;
-        }
+        if (fstatat(parent, entry->d_name, &info, AT_SYMLINK_NOFOLLOW) == 0 && SameInode(info, wanted))
+            return std::string(entry->d_name);
     }
-    const int error = found.empty() ? ENOENT : 0;
-    closedir(stream);
-    errno = error;
-    return found;
+    return StatusFromErrno(ENOENT);
 }
 
 }  // namespace
@@ -128,23 +110,12 @@ int OpenFolderByPath(std::string_view path) {
         errno = EINVAL;
         return -1;
     }
-    Descriptor current(AT_FDCWD);
-    while (true) {
-        const std::string_view chunk = LeadingChunk(path);
-        if (chunk.empty()) {
-            errno = ENAMETOOLONG;
-            return -1;
-        }
-        const bool last = chunk.size() == path.size();
-        const std::string text(chunk);
-        const int access = last ? O_RDONLY : O_PATH;
-        const int next = openat(current.get(), text.c_str(), access | O_DIRECTORY | O_CLOEXEC);
-        if (last || next < 0) return next;
-        current = Descriptor(next);
-        path.remove_prefix(chunk.size());
-        path.remove_prefix(std::min(path.find_first_not_of('/'), path.size()));
-        if (path.empty()) path = ".";
+    const Result<PathPlace> place = FindPlace(path);
+    if (!place.ok()) {
+        errno = place.status().systemCode();
+        return -1;
     }
+    return openat(place->folder(), place->text.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
 }
 
 Result<std::string> PathOfFolder(int folder) {
@@ -157,9 +128,9 @@ Result<std::string> PathOfFolder(int folder) {
         if (errno != ENAMETOOLONG) return StatusFromErrno(errno);
         Descriptor parent(openat(current.get(), "..", O_PATH | O_DIRECTORY | O_CLOEXEC));
         if (parent.get() < 0) return StatusFromErrno(errno);
-        const std::string name = NameInParent(current.get(), parent.get());
-        if (name.empty()) return StatusFromErrno(errno);
-        below.insert(0, "/" + name);
+        const Result<std::string> name = NameInParent(current.get(), parent.get());
+        if (!name.ok()) return name.status();
+        below.insert(0, "/" + *name);
         current = std::move(parent);
     }
 }

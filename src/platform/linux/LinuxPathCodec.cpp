@@ -216,18 +216,4 @@ std::unique_ptr<PathCodec> MakeLinuxPathCodec(std::string drivesFolder) {
     return std::make_unique<LinuxPathCodec>(std::move(drivesFolder));
 }
 
-std::string DrivesFolderOf(const std::function<const char*(const char*)>& getVariable) {
-    const auto read = [&](const char* name) {
-        const char* value = getVariable(name);
-        return std::string(value != nullptr && value[0] == '/' ? value : "");
-    };
-    if (const std::string data = read("XDG_DATA_HOME"); !data.empty()) return data + "/vel/drives";
-    if (const std::string home = read("HOME"); !home.empty()) return home + "/.local/share/vel/drives";
-    return {};
-}
-
-std::string DrivesFolderOfThisUser() {
-    return DrivesFolderOf([](const char* name) { return static_cast<const char*>(std::getenv(name)); });
-}
-
 }  // namespace kinsort

@@ -6,7 +6,6 @@
 // the characters U+F000..U+F07F, which would then be ambiguous, are escaped byte by byte like bytes that are not text.
 #pragma once
 
-#include <functional>
 #include <memory>
 #include <string>
 
@@ -14,13 +13,7 @@
 
 namespace kinsort {
 
-// `drivesFolder`: stored path of the folder that holds the drives; it need not exist.
+// `drivesFolder`: stored path of the folder that holds the drives; it need not exist. Empty: there is only Z:.
 std::unique_ptr<PathCodec> MakeLinuxPathCodec(std::string drivesFolder);
-
-// Where the drives are for the user whose environment `getVariable` reads (null where a variable is not set):
-// $XDG_DATA_HOME/vel/drives, else $HOME/.local/share/vel/drives. An unusable (relative, empty) value counts as not
-// set; without either the result is empty and there are no drives but Z:.
-std::string DrivesFolderOf(const std::function<const char*(const char*)>& getVariable);
-std::string DrivesFolderOfThisUser();
 
 }  // namespace kinsort

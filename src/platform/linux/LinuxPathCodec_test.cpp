@@ -153,6 +153,7 @@ TEST_F(LinuxPathCodecTest, DrivesAndSharesAreResolved) {
         {u"\\\\.\\pipe\\x", StatusCode::kInvalid},
         {u"/home/me", StatusCode::kInvalid},
     };
+    EXPECT_EQ(MakeLinuxPathCodec("")->PathToStored(u"C:\\").code(), StatusCode::kNotFound);
     for (const Bad& b : bad) {
         const Result<std::string> result = codec_->PathToStored(b.path);
         EXPECT_EQ(result.code(), b.code) << testing::PrintToString(b.path);
@@ -167,28 +168,6 @@ TEST_F(LinuxPathCodecTest, PeopleSeeNativePathsWithoutTricks) {
     EXPECT_EQ(codec_->PathForPeople(u"Z:\\a\u009Bb\u202Egpj.exe"), "/a\\xC2\\x9Bb\\xE2\\x80\\xAEgpj.exe");
     EXPECT_EQ(codec_->PathForPeople(u"Q:\\not set up\\\x07"), "Q:\\not set up\\\\x07");
     EXPECT_EQ(codec_->PathForPeople(u"a\\b/c"), "a\\b/c");
-}
-
-TEST(DrivesFolder, FollowsTheEnvironment) {
-    using Variables = std::map<std::string, const char*>;
-    struct Case {
-        Variables variables;
-        std::string expected;
-    };
-    const Case cases[] = {
-        {{{"XDG_DATA_HOME", "/data"}, {"HOME", "/home/me"}}, "/data/vel/drives"},
-        {{{"XDG_DATA_HOME", "relative"}, {"HOME", "/home/me"}}, "/home/me/.local/share/vel/drives"},
-        {{{"XDG_DATA_HOME", ""}, {"HOME", "/home/me"}}, "/home/me/.local/share/vel/drives"},
-        {{}, ""},
-    };
-    for (const Case& c : cases) {
-        EXPECT_EQ(DrivesFolderOf([&](const char* name) {
-                      const auto found = c.variables.find(name);
-                      return found == c.variables.end() ? nullptr : found->second;
-                  }),
-                  c.expected);
-    }
-    EXPECT_EQ(MakeLinuxPathCodec("")->PathToStored(u"C:\\").code(), StatusCode::kNotFound);
 }
 
 }  // namespace

@@ -1,12 +1,12 @@
 #include "platform/linux/LinuxUserAccount.h"
 
 #include <array>
-#include <cstdlib>
 
 #include <errno.h>
 #include <pwd.h>
 #include <unistd.h>
 
+#include "platform/linux/UserFolders.h"
 #include "text/Utf8.h"
 
 namespace kinsort {
@@ -17,11 +17,11 @@ class LinuxUserAccount final : public UserAccount {
     explicit LinuxUserAccount(const PathCodec& codec) : codec_(codec) {}
 
     std::optional<std::u16string> LocalDataFolder() const override {
-        const char* const data = std::getenv("XDG_DATA_HOME");
-        if (data != nullptr && data[0] == '/') return Folder(data);
-        const char* const home = std::getenv("HOME");
-        if (home != nullptr && home[0] == '/') return Folder(std::string(home) + "/.local/share");
-        return std::nullopt;
+        std::string folder = LocalDataFolderOfThisUser();
+        if (folder.empty()) return std::nullopt;
+        while (folder.size() > 1 && folder.back() == '/')
+            folder.pop_back();
+        return codec_.PathToInner(folder);
     }
 
     std::optional<std::u16string> LoginName() const override {
@@ -39,12 +39,6 @@ class LinuxUserAccount final : public UserAccount {
     }
 
   private:
-    std::u16string Folder(std::string path) const {
-        while (path.size() > 1 && path.back() == '/')
-            path.pop_back();
-        return codec_.PathToInner(path);
-    }
-
     const PathCodec& codec_;
 };
 

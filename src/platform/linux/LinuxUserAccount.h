@@ -9,8 +9,7 @@
 
 namespace kinsort {
 
-// Local data lies in $XDG_DATA_HOME, else in ~/.local/share; a relative value does not count. The login name is that of
-// the effective user. `codec` outlives it.
+// Local data lies where UserFolders.h says. The login name is that of the effective user. `codec` outlives it.
 std::unique_ptr<UserAccount> MakeLinuxUserAccount(const PathCodec& codec);
 
 // The stored path of the program that runs, links resolved; empty when the system does not tell.

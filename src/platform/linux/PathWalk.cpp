@@ -1,5 +1,7 @@
 #include "platform/linux/PathWalk.h"
 
+#include <algorithm>
+
 #include <errno.h>
 #include <fcntl.h>
 #include <limits.h>
@@ -27,7 +29,9 @@ Result<PathPlace> FindPlace(std::string_view path) {
         Descriptor next(openat(place.folder(), head.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
         if (!next.isOpen()) return StatusFromErrno(errno);
         place.keeper = std::move(next);
-        path.remove_prefix(cut + 1);
+        path.remove_prefix(cut);
+        path.remove_prefix(std::min(path.find_first_not_of('/'), path.size()));
+        if (path.empty()) path = ".";
     }
     place.text = path;
     return place;

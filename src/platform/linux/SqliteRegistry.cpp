@@ -1,7 +1,6 @@
 #include "platform/linux/SqliteRegistry.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <map>
 
 #include "platform/linux/LinuxError.h"
@@ -177,15 +176,6 @@ class SqliteRegistry final : public Registry {
 };
 
 }  // namespace
-
-std::string RegistryFileOfThisUser() {
-    constexpr std::string_view kName = "/vel/registry.db";
-    const char* const config = std::getenv("XDG_CONFIG_HOME");
-    if (config != nullptr && config[0] == '/') return config + std::string(kName);
-    const char* const home = std::getenv("HOME");
-    if (home != nullptr && home[0] == '/') return home + std::string("/.config") + std::string(kName);
-    return {};
-}
 
 std::unique_ptr<Registry> MakeSqliteRegistry(std::string file, const PathCodec& codec, ReportRegistryDamage report,
                                              int busyMs) {
