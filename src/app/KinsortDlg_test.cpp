@@ -68,16 +68,7 @@ TEST_F(KinsortDlgTest, ComesUpInThisOrder) {
     EXPECT_THAT(dialog.m_list.Plan()[1].arrCandidates, IsEmpty());
 }
 
-TEST_F(KinsortDlgTest, WithoutAHandOffItIsEmptyAndAsksAboutConflicts) {
-    dialog.OnInitDialog();
-    EXPECT_THAT(view.checked, ElementsAre(kIdCopy, kIdConfirm));
-    EXPECT_THAT(view.enabled, IsEmpty());
-    EXPECT_EQ(view.texts[kIdCount], u"(0)");
-    EXPECT_EQ(dialog.m_nLoadState, 0);
-    EXPECT_THAT(Said(), IsEmpty());
-}
-
-TEST_F(KinsortDlgTest, SpeaksTheLanguageOfTheSettings) {
+TEST_F(KinsortDlgTest, WithoutAHandOffItIsEmptyAndSpeaksTheLanguageOfTheSettings) {
     settings.WriteRegString(kSettingsKey, kLanguageName, u".en-US");
     files.SetContent(u"Z:\\opt\\vel\\command\\Default\\.en-US\\Kinsort\\102.txt",
                      Utf16Bytes(u"Sort\r\n1\tButton\tStart\\n(&O)\r\n1410\tComboBoxEx32\tX\r\n4711\tButton\tY\r\n"));
@@ -86,6 +77,11 @@ TEST_F(KinsortDlgTest, SpeaksTheLanguageOfTheSettings) {
     EXPECT_EQ(view.title, u"Sort");
     EXPECT_EQ(view.texts[kIdOk], u"Start\n(&O)");
     EXPECT_EQ(view.box.text, u"/sorted");
+    EXPECT_THAT(view.checked, ElementsAre(kIdCopy, kIdConfirm));
+    EXPECT_THAT(view.enabled, IsEmpty());
+    EXPECT_EQ(view.texts[kIdCount], u"(0)");
+    EXPECT_EQ(dialog.m_nLoadState, 0);
+    EXPECT_THAT(Said(), IsEmpty());
 }
 
 TEST_F(KinsortDlgTest, StandsOverTheMiddleOfTheHostInsideOfTheWorkArea) {

@@ -101,10 +101,16 @@ class CmdListCtrlTest : public testing::Test {
             found.push_back(list->Plan().GetIcon(row));
         return found;
     }
-    // Presses the keys one after the other; what the focus mark stands on then.
+    // Presses the keys one after the other, with a second between them for "." and a little more for ","; what the focus
+    // mark stands on then.
     size_t Type(std::string_view keys) {
-        for (const char key : keys)
-            list->OnKeyDown(static_cast<unsigned char>(key));
+        for (const char key : keys) {
+            if (key == '.' || key == ',') {
+                Pass(key == '.' ? 1000 : 1001);
+            } else {
+                list->OnKeyDown(static_cast<unsigned char>(key));
+            }
+        }
         return view.focused.value_or(99);
     }
     void Pass(int milliseconds) { clock.Advance(milliseconds * int64_t{1'000'000}); }
@@ -219,6 +225,8 @@ TEST_F(CmdListCtrlTest, TypingFindsRowsByTheirFirstLetters) {
         {0, "RRRR", 1, "and around, to rows before the focused one"},
         {1, "RE", 3, "different letters make a longer prefix"},
         {0, "RA", 2, "which is looked for from the focused row on"},
+        {0, "R.E", 3, "a second is no pause"},
+        {5, "R,O", 6, "but more than that begins a new prefix"},
         {2, "R", 3, "in any case"},
         {3, "2", 4, "digits"},
         {0, "A", 5, "never the focused row itself for one letter"},
@@ -240,17 +248,6 @@ TEST_F(CmdListCtrlTest, TypingFindsRowsByTheirFirstLetters) {
     EXPECT_FALSE(list->OnKeyDown(0x25)) << "an arrow";
     EXPECT_TRUE(list->OnKeyDown('E')) << "looked for, though there is none";
     EXPECT_THAT(view.calls, IsEmpty()) << "the arrow had ended the prefix R";
-}
-
-TEST_F(CmdListCtrlTest, APauseOfMoreThanASecondBeginsANewPrefix) {
-    Add({u"\\r1", u"\\re", u"\\e"});
-    view.focused = 0;
-    EXPECT_EQ(Type("R"), 1u);
-    view.focused = 0;
-    Pass(1000);
-    EXPECT_EQ(Type("E"), 1u) << "a second is no pause: RE";
-    Pass(1001);
-    EXPECT_EQ(Type("E"), 2u);
 }
 
 }  // namespace
