@@ -37,10 +37,6 @@ void MultiLineButton::SetFullText(const QString& text) {
     updateGeometry();
 }
 
-int MultiLineButton::PaddingWidth() const {
-    return PaddingOf(*this);
-}
-
 int MultiLineButton::SmallestWidth() const {
     int widest = 0;
     for (const QString& word : fullText_.split(QRegularExpression(QStringLiteral("\\s+")), Qt::SkipEmptyParts)) {
@@ -50,12 +46,12 @@ int MultiLineButton::SmallestWidth() const {
         layout.endLayout();
         widest = std::max(widest, static_cast<int>(layout.minimumWidth()) + 1);
     }
-    return widest + PaddingWidth();
+    return widest + PaddingOf(*this);
 }
 
 QString MultiLineButton::TextFor(int width) const {
     QStringList lines;
-    const int room = std::max(width - PaddingWidth(), 1);
+    const int room = std::max(width - PaddingOf(*this), 1);
     for (const QString& paragraph : fullText_.split(QLatin1Char('\n'))) {
         QTextLayout layout(paragraph, font());
         layout.beginLayout();
@@ -74,7 +70,7 @@ int MultiLineButton::HeightFor(int width) const {
     QStyleOptionButton option;
     option.initFrom(this);
     option.text = fullText_;
-    const QSize contents(width - PaddingWidth(), textHeight);
+    const QSize contents(width - PaddingOf(*this), textHeight);
     return style()->sizeFromContents(QStyle::CT_PushButton, &option, contents, this).height();
 }
 

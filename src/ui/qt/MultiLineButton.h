@@ -22,7 +22,6 @@ class MultiLineButton final : public QPushButton {
     void resizeEvent(QResizeEvent* event) override;
 
   private:
-    int PaddingWidth() const;
     QString TextFor(int width) const;
 
     QString fullText_;

@@ -32,10 +32,7 @@ int QtIcons::IndexOfPath(std::u16string_view path) {
 
 int QtIcons::IndexOfName(std::u16string_view name, uint32_t attributes) {
     if ((attributes & kAttributeDirectory) != 0) return kFolderIcon;
-    return IndexOfType(types_.mimeTypeForFile(ToQString(name), QMimeDatabase::MatchExtension));
-}
-
-int QtIcons::IndexOfType(const QMimeType& type) {
+    const QMimeType type = types_.mimeTypeForFile(ToQString(name), QMimeDatabase::MatchExtension);
     return IndexOf(type.name(), {type.iconName(), type.genericIconName()});
 }
 

@@ -32,7 +32,6 @@ class QtIcons final : public Icons {
         QString name;         // in the desktop's icon theme
         QString genericName;  // where the theme has none of that name
     };
-    int IndexOfType(const QMimeType& type);
     int IndexOf(const QString& typeName, TypeIcon icon);
 
     FileSystem& files_;
