@@ -1,5 +1,7 @@
 #include "ui/qt/DroppedPaths.h"
 
+#include <QMimeData>
+
 #include "framework/TypedPath.h"
 
 namespace kinsort {
@@ -10,13 +12,16 @@ constexpr const char* kUriList = "text/uri-list";
 
 }  // namespace
 
-bool HoldsFiles(const QMimeData& data) {
-    return data.hasFormat(QLatin1String(kUriList));
+bool AcceptFiles(QDropEvent& drag) {
+    if (!drag.mimeData()->hasFormat(QLatin1String(kUriList))) return false;
+    drag.setDropAction(Qt::CopyAction);
+    drag.accept();
+    return true;
 }
 
-std::vector<std::u16string> DroppedPaths(const QMimeData& data, const PathCodec& codec) {
+std::vector<std::u16string> DroppedPaths(const QDropEvent& drag, const PathCodec& codec) {
     std::vector<std::u16string> paths;
-    const QByteArray list = data.data(QLatin1String(kUriList));
+    const QByteArray list = drag.mimeData()->data(QLatin1String(kUriList));
     for (const QByteArray& line : list.split('\n')) {
         const QByteArray address = line.trimmed();
         if (!address.startsWith("file:")) continue;

@@ -264,10 +264,9 @@ bool FolderBox::OnEditEvent(QEvent* event) {
     }
     if (type != QEvent::DragEnter && type != QEvent::DragMove && type != QEvent::Drop) return false;
     auto* drag = static_cast<QDropEvent*>(event);  // what all three are
-    if (!acceptsFiles_ || control_ == nullptr || !HoldsFiles(*drag->mimeData())) return false;
-    drag->acceptProposedAction();
+    if (!acceptsFiles_ || control_ == nullptr || !AcceptFiles(*drag)) return false;
     if (type == QEvent::Drop) {
-        const std::vector<std::u16string> paths = DroppedPaths(*drag->mimeData(), codec_);
+        const std::vector<std::u16string> paths = DroppedPaths(*drag, codec_);
         if (!paths.empty()) control_->OnDropFiles(paths.front());
     }
     return true;

@@ -6,7 +6,6 @@
 #include <QDropEvent>
 #include <QKeyEvent>
 #include <QLabel>
-#include <QMimeData>
 #include <QStyle>
 #include <QTimer>
 #include <QWindow>
@@ -172,15 +171,12 @@ void KinsortWindow::resizeEvent(QResizeEvent* event) {
 }
 
 void KinsortWindow::dragEnterEvent(QDragEnterEvent* event) {
-    if (!HoldsFiles(*event->mimeData())) return;
-    event->setDropAction(Qt::CopyAction);  // the files stay where they are: only their names are taken
-    event->accept();
+    AcceptFiles(*event);
 }
 
 void KinsortWindow::dropEvent(QDropEvent* event) {
-    event->setDropAction(Qt::CopyAction);
-    event->accept();
-    const std::vector<std::u16string> paths = DroppedPaths(*event->mimeData(), codec_);
+    if (!AcceptFiles(*event)) return;
+    const std::vector<std::u16string> paths = DroppedPaths(*event, codec_);
     if (!paths.empty() && callbacks_.drop) callbacks_.drop(paths);
 }
 
