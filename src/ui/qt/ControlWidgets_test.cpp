@@ -7,6 +7,7 @@
 #include <QMenu>
 #include <QMimeData>
 #include <QPushButton>
+#include <QScrollBar>
 #include <QShortcut>
 #include <QTest>
 #include <QTimer>
@@ -68,6 +69,8 @@ TEST_F(PlanListWidgetTest, AMillionRowsAreThereAndOnlyThoseInSightAreAskedFor) {
     widget.show();
     ASSERT_TRUE(QTest::qWaitForWindowExposed(&widget));
     widget.Redraw();
+    EXPECT_TRUE(widget.verticalScrollBar()->isVisible());
+    EXPECT_FALSE(widget.horizontalScrollBar()->isVisible());
     widget.EnsureVisible(kRows - 1);
     widget.viewport()->repaint();
     EXPECT_EQ(widget.model()->index(999'999, 0).data().toString(), QStringLiteral("999999"));
@@ -249,13 +252,16 @@ TEST_F(FolderBoxTest, TheMouseCompletesAndDrops) {
     QMimeData data;
     data.setUrls({QUrl::fromLocalFile(QStringLiteral("/home/gone.txt"))});
     const auto drop = [&] {
-        QDragEnterEvent enter({5, 5}, Qt::CopyAction, &data, Qt::LeftButton, {});
+        const Qt::DropActions offered = Qt::CopyAction | Qt::MoveAction;
+        QDragEnterEvent enter({5, 5}, offered, &data, Qt::LeftButton, Qt::ShiftModifier);
         QApplication::sendEvent(box.lineEdit(), &enter);
-        QDropEvent event({5, 5}, Qt::CopyAction, &data, Qt::LeftButton, {});
+        QDropEvent event({5, 5}, offered, &data, Qt::LeftButton, Qt::ShiftModifier);
+        EXPECT_EQ(event.proposedAction(), Qt::MoveAction);
         QApplication::sendEvent(box.lineEdit(), &event);
+        return event.dropAction();
     };
     box.AcceptDroppedFiles(true);
-    drop();
+    EXPECT_EQ(drop(), Qt::CopyAction) << "a source may delete what was moved";
     EXPECT_EQ(box.Text(), u"/home/");
 }
 

@@ -3,11 +3,10 @@
 #include <QAction>
 #include <QCursor>
 #include <QHash>
-#include <QMenu>
 #include <QProxyStyle>
 #include <QStyleOption>
 
-#include "ui/qt/QtText.h"
+#include "ui/qt/PopupMenu.h"
 
 namespace kinsort {
 
@@ -21,10 +20,6 @@ class ScrollingMenus final : public QProxyStyle {
         return hint == SH_Menu_Scrollable ? 1 : QProxyStyle::styleHint(hint, option, widget, data);
     }
 };
-
-QString ItemText(std::u16string_view name) {
-    return ToQString(name).replace(u'&', QStringLiteral("&&"));  // no accelerators
-}
 
 // The menus of the folders in it are made when they are pointed at: a menu is a window, and thousands of windows take
 // their time.
@@ -41,7 +36,7 @@ class FolderMenu final : public QMenu {
         if (!actions().isEmpty()) return;
         menu_.OnInitMenuPopup(level_);
         for (const DirMenuItem& item : level_.Items()) {
-            QAction* action = addAction(ItemText(item.text));
+            QAction* action = addAction(MenuText(item.text));
             action->setData(item.commandId);
             if (item.subMenu != nullptr) below_.insert(action, item.subMenu);
         }
@@ -72,10 +67,8 @@ uint16_t DirMenuPopup::TrackPopup(CDirMenu& menu, CDirMenuObj& top) {
     ScrollingMenus style;
     FolderMenu popup(menu, top, style, &anchor_);
     popup.Fill();  // its size decides where it goes
-    const QPoint middle = anchor_.mapToGlobal(anchor_.rect().center());
-    QCursor::setPos(middle);
-    const QSize size = popup.sizeHint();
-    const QAction* chosen = popup.exec(middle - QPoint(size.width() / 2, size.height() / 2));
+    QCursor::setPos(anchor_.mapToGlobal(anchor_.rect().center()));
+    const QAction* const chosen = ExecMenuOver(anchor_, popup);
     return chosen == nullptr ? uint16_t{0} : static_cast<uint16_t>(chosen->data().toUInt());
 }
 

@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <limits>
 
+#include "ui/qt/PlainText.h"
 #include "ui/qt/QtText.h"
 
 namespace kinsort {
@@ -33,7 +34,8 @@ class PlanListModel final : public QAbstractTableModel {
         const auto column = static_cast<size_t>(index.column());
         if (row >= control_->Plan().GetCount()) return {};  // told too late that it went
         if (role == Qt::DisplayRole || role == Qt::ToolTipRole) {
-            return ToQString(control_->OnGetDispInfo(row, column).text);
+            const QString text = ToQString(control_->OnGetDispInfo(row, column).text);
+            return role == Qt::ToolTipRole ? PlainToolTip(text) : text;
         }
         if (role == Qt::DecorationRole && column == 0) return icons_.IconOf(control_->OnGetDispInfo(row, 0).image);
         return {};
@@ -103,7 +105,10 @@ void PlanListWidget::Attach(CCmdListCtrl* control) {
 void PlanListWidget::InsertColumn(int index, const QString& title, int width) {
     const int column = std::clamp(index, 0, model_->columnCount({}));
     model_->InsertTitle(column, title);
-    horizontalHeader()->resizeSection(column, width);
+    QHeaderView& header = *horizontalHeader();
+    header.setSectionResizeMode(QHeaderView::Interactive);
+    header.resizeSection(column, width);
+    header.setSectionResizeMode(header.count() - 1, QHeaderView::Stretch);
 }
 
 void PlanListWidget::SetItemCount(size_t count) {

@@ -25,7 +25,7 @@ class PlanListWidget final : public QTableView, public CmdListView {
 
     // Whom to ask and tell; before the first row is shown, and null before the control goes.
     void Attach(CCmdListCtrl* control);
-    // `width` in pixels.
+    // `width` in pixels; the last column takes what the others leave, and is never wider than the list.
     void InsertColumn(int index, const QString& title, int width);
 
     // How many rows of the plan there are to show; draws nothing yet. Selection and focus mark stay where there is

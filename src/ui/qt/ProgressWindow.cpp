@@ -11,18 +11,12 @@ namespace {
 constexpr int kWidthInCharacters = 64;
 constexpr int kWhole = 1000;
 
-QLabel* PlainLabel() {
-    auto* const label = new QLabel;
-    label->setTextFormat(Qt::PlainText);
-    return label;
-}
-
 }  // namespace
 
 ProgressWindow::ProgressWindow(std::function<void()> onCancel) : onCancel_(std::move(onCancel)) {
     setWindowFlags(Qt::Window | Qt::WindowTitleHint | Qt::WindowCloseButtonHint | Qt::WindowMinimizeButtonHint);
     headline_ = PlainLabel();
-    shownName_ = PlainLabel();
+    name_ = new ElidedLabel;
     bar_ = new QProgressBar;
     bar_->setTextVisible(false);
     figures_ = PlainLabel();
@@ -30,12 +24,11 @@ ProgressWindow::ProgressWindow(std::function<void()> onCancel) : onCancel_(std::
     auto* const layout = new QGridLayout(this);
     layout->addWidget(headline_, 0, 0, 1, 2);
     layout->addWidget(bar_, 1, 0, 1, 2);
-    layout->addWidget(shownName_, 2, 0, 1, 2);
+    layout->addWidget(name_, 2, 0, 1, 2);
     layout->addWidget(figures_, 3, 0);
     layout->addWidget(cancel_, 3, 1);
     layout->setColumnStretch(0, 1);
     layout->setRowStretch(4, 1);
-    shownName_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);  // a long name never widens the window
     setMinimumWidth(kWidthInCharacters * fontMetrics().averageCharWidth());
     connect(cancel_, &QPushButton::clicked, this, [this] { reject(); });
 }
@@ -43,8 +36,7 @@ ProgressWindow::ProgressWindow(std::function<void()> onCancel) : onCancel_(std::
 void ProgressWindow::Update(const ProgressTexts& texts) {
     setWindowTitle(ToQString(texts.title));
     headline_->setText(ToQString(texts.headline));
-    name_ = ToQString(texts.name);
-    ShowName();
+    name_->SetFullText(ToQString(texts.name));
     figures_->setText(ToQString(texts.figures));
     cancel_->setText(ToQString(texts.cancel));
     cancel_->setEnabled(!texts.isStopping);
@@ -55,16 +47,6 @@ void ProgressWindow::Update(const ProgressTexts& texts) {
 
 void ProgressWindow::reject() {
     if (cancel_->isEnabled()) onCancel_();
-}
-
-void ProgressWindow::resizeEvent(QResizeEvent* event) {
-    QDialog::resizeEvent(event);
-    ShowName();
-}
-
-void ProgressWindow::ShowName() {
-    shownName_->setText(shownName_->fontMetrics().elidedText(name_, Qt::ElideMiddle, shownName_->width()));
-    shownName_->setToolTip(name_);
 }
 
 }  // namespace kinsort

@@ -2,12 +2,12 @@
 #pragma once
 
 #include <QDialog>
-#include <QLabel>
 #include <QProgressBar>
 #include <QPushButton>
 #include <functional>
 
 #include "app/OperationView.h"
+#include "ui/qt/PlainText.h"
 
 namespace kinsort {
 
@@ -19,16 +19,10 @@ class ProgressWindow final : public QDialog {
 
     void reject() override;  // Esc, closing, the button
 
-  protected:
-    void resizeEvent(QResizeEvent* event) override;
-
   private:
-    void ShowName();
-
     std::function<void()> onCancel_;
-    QString name_;
     QLabel* headline_ = nullptr;
-    QLabel* shownName_ = nullptr;
+    ElidedLabel* name_ = nullptr;
     QProgressBar* bar_ = nullptr;
     QLabel* figures_ = nullptr;
     QPushButton* cancel_ = nullptr;

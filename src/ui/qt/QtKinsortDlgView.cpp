@@ -2,12 +2,11 @@
 
 #include <QAbstractButton>
 #include <QComboBox>
-#include <QHeaderView>
 #include <QLineEdit>
-#include <QMenu>
 #include <limits>
 
 #include "controls/HistryComboBoxEx.h"
+#include "ui/qt/PopupMenu.h"
 #include "ui/qt/QtText.h"
 
 namespace kinsort {
@@ -15,12 +14,6 @@ namespace {
 
 // The handle of a window that could not be made known to other programs: it works all the same, alone.
 constexpr WindowHandle kUnknownToOthers = std::numeric_limits<WindowHandle>::max();
-
-QString MenuText(std::u16string_view text) {
-    QString shown = ToQString(text);
-    shown.replace(QLatin1Char('&'), QStringLiteral("&&"));
-    return shown.replace(QLatin1Char('\t'), QLatin1Char(' '));  // what follows a TAB would be shown as a shortcut
-}
 
 }  // namespace
 
@@ -170,9 +163,7 @@ std::optional<size_t> QtKinsortDlgView::ShowPopupMenu(int controlId, const std::
     QMenu menu(anchor);
     for (size_t i = 0; i < texts.size(); ++i)
         menu.addAction(MenuText(texts[i]))->setData(QVariant::fromValue(i));
-    const QPoint middle = anchor->mapToGlobal(anchor->rect().center());
-    const QSize size = menu.sizeHint();
-    const QAction* const chosen = menu.exec(middle - QPoint(size.width() / 2, size.height() / 2));
+    const QAction* const chosen = ExecMenuOver(*anchor, menu);
     if (chosen == nullptr) return std::nullopt;
     return chosen->data().value<size_t>();
 }
@@ -180,10 +171,7 @@ std::optional<size_t> QtKinsortDlgView::ShowPopupMenu(int controlId, const std::
 void QtKinsortDlgView::PrepareList() {}  // the widget draws icons and selects rows from the beginning
 
 void QtKinsortDlgView::InsertListColumn(size_t index, std::u16string_view title, int width) {
-    QHeaderView& header = *window_.List().horizontalHeader();
-    header.setSectionResizeMode(QHeaderView::Interactive);
     window_.List().InsertColumn(static_cast<int>(index), ToQString(title), width);
-    header.setSectionResizeMode(header.count() - 1, QHeaderView::Stretch);  // never wider than the list
 }
 
 void QtKinsortDlgView::SetListCount(size_t count) {

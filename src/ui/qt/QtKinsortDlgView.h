@@ -2,7 +2,6 @@
 #pragma once
 
 #include <QEventLoop>
-#include <QPointer>
 #include <QSocketNotifier>
 #include <QTimer>
 #include <map>

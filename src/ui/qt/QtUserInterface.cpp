@@ -6,7 +6,6 @@
 #include <QFile>
 #include <QFileDialog>
 #include <QFileInfo>
-#include <QLabel>
 #include <QListWidget>
 #include <QMessageBox>
 #include <QPushButton>
@@ -15,6 +14,7 @@
 #include <array>
 #include <span>
 
+#include "ui/qt/PlainText.h"
 #include "ui/qt/QtText.h"
 
 namespace kinsort {
@@ -143,8 +143,7 @@ std::optional<size_t> QtUserInterface::ChooseOne(const ChoiceRequest& request) {
     QDialog dialog(OwnerFor(request.owner));
     dialog.setWindowTitle(TitleOr(request.title));
     auto* const layout = new QVBoxLayout(&dialog);
-    auto* const label = new QLabel(ToQString(request.instruction));
-    label->setTextFormat(Qt::PlainText);
+    QLabel* const label = PlainLabel(ToQString(request.instruction));
     label->setWordWrap(true);
     label->setVisible(!request.instruction.empty());
     auto* const list = new QListWidget;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "ui/qt/PlainText.h"
 #include "ui/qt/QtText.h"
 
 namespace kinsort {
@@ -17,7 +18,8 @@ int SummaryRows::columnCount(const QModelIndex& parent) const {
 QVariant SummaryRows::data(const QModelIndex& index, int role) const {
     if (!index.isValid() || (role != Qt::DisplayRole && role != Qt::ToolTipRole)) return {};
     const SummaryRow& row = summary_.rows[static_cast<size_t>(index.row())];
-    return ToQString(index.column() == 0 ? row.name : row.reason);
+    const QString text = ToQString(index.column() == 0 ? row.name : row.reason);
+    return role == Qt::ToolTipRole ? PlainToolTip(text) : text;
 }
 
 QVariant SummaryRows::headerData(int section, Qt::Orientation orientation, int role) const {
