@@ -4,6 +4,7 @@
 #include <QLabel>
 #include <QProgressBar>
 #include <QPushButton>
+#include <QScreen>
 #include <QTreeView>
 #include <thread>
 
@@ -12,6 +13,7 @@
 
 #include "ui/qt/ModalWindows_test.h"
 #include "ui/qt/QtOperationView.h"
+#include "ui/qt/QuestionWindows.h"
 
 namespace kinsort {
 namespace {
@@ -32,7 +34,7 @@ class OperationWindowsTest : public testing::Test {
 
 ConflictQuestion SomeConflict() {
     return {.title = u"The name is taken",
-            .instruction = u"\"B\" already has a file named \"<a>.txt\".",
+            .instruction = u"\"B\" already has a file named \"<a>" + std::u16string(255, u'n') + u"\".",
             .item = {u"Incoming", u"/in/<a>.txt", u"1 KB"},
             .target = {u"Already there", u"/" + std::u16string(4000, u'x') + u"/<a>.txt", u"2 KB"},
             .buttons = {{u"&Replace", ConflictAnswer::kReplace},
@@ -68,9 +70,13 @@ TEST_F(OperationWindowsTest, AConflictIsAnsweredByButtonKeyOrClosing) {
     };
     for (const Case& each : cases) {
         windows.Expect([&](QDialog& window) {
-            EXPECT_LT(window.width(), 1200) << "a long path does not widen it";
-            for (const QLabel* label : window.findChildren<QLabel*>())
-                EXPECT_NE(label->textFormat(), Qt::RichText);
+            EXPECT_LT(window.width(), 700) << "long names do not widen it";
+            for (const QLabel* label : window.findChildren<QLabel*>()) {
+                EXPECT_TRUE(label->text().isEmpty() || label->textFormat() == Qt::PlainText);
+                EXPECT_FALSE(label->toolTip().contains(QStringLiteral("<a>"))) << "would be mark-up";
+                const bool isWhole = !label->text().contains(QChar(0x2026));
+                EXPECT_EQ(label->toolTip().isEmpty(), isWhole) << label->text().toStdString();
+            }
             each.act(window);
         });
         const ConflictReply reply = view.AskConflict(SomeConflict());
@@ -80,13 +86,19 @@ TEST_F(OperationWindowsTest, AConflictIsAnsweredByButtonKeyOrClosing) {
 }
 
 TEST_F(OperationWindowsTest, AQuestionKnowsItsDefaultAndItsEscape) {
+    std::u16string deep;
+    for (int i = 0; i < 1000; ++i)
+        deep += u"/dir";
     const ButtonQuestion question = {.title = u"t",
                                      .instruction = u"Interrupted.",
-                                     .details = u"Nothing is lost.",
+                                     .details = deep,
                                      .buttons = {u"Finish", u"Undo", u"Leave"},
                                      .defaultButton = 1,
                                      .escapeButton = 2};
-    windows.Expect([](QDialog& window) { QTest::keyClick(&window, Qt::Key_Return); });
+    windows.Expect([](QDialog& window) {
+        EXPECT_LT(window.height(), 500) << "its buttons have to be in sight";
+        QTest::keyClick(&window, Qt::Key_Return);
+    });
     EXPECT_EQ(view.AskButtons(question), 1U);
     windows.Expect([](QDialog& window) { QTest::keyClick(&window, Qt::Key_Escape); });
     EXPECT_EQ(view.AskButtons(question), 2U);
@@ -162,6 +174,25 @@ TEST_F(OperationWindowsTest, ProgressSaysWhatItIsToldAndStopsOnce) {
     EXPECT_EQ(cancelled, 1) << "it is stopping already";
     view.EndProgress();
     EXPECT_EQ(Progress(), nullptr);
+}
+
+TEST_F(OperationWindowsTest, UndoIsOfferedInAWindowWhereNobodyShowsNotifications) {
+    constexpr int kShortMs = 200;
+    for (const char* name : {"DBUS_SESSION_BUS_ADDRESS", "XDG_RUNTIME_DIR"})
+        qunsetenv(name);
+    const UndoOffer offer = {.title = u"Sorted", .text = u"Into /" + std::u16string(4000, u'x'), .undo = u"&Undo"};
+    windows.Expect([](QDialog& window) {
+        EXPECT_TRUE(window.testAttribute(Qt::WA_ShowWithoutActivating));
+        EXPECT_TRUE(window.screen()->availableGeometry().contains(window.frameGeometry()));
+        ModalWindows::Press(window, QStringLiteral("Undo"));
+    });
+    EXPECT_TRUE(view.OfferUndo(offer));
+    for (Qt::Key key : {Qt::Key_Return, Qt::Key_Escape}) {
+        windows.Expect([key](QDialog& window) { QTest::keyClick(&window, key); });
+        EXPECT_FALSE(view.OfferUndo(offer));
+    }
+    windows.Expect([](QDialog&) {});
+    EXPECT_FALSE(OfferUndoIn(offer, english, kShortMs)) << "it goes away by itself";
 }
 
 TEST_F(OperationWindowsTest, WorkFromAnyThreadRunsHereInOrder) {

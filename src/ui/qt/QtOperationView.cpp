@@ -5,7 +5,6 @@
 
 #include "ui/qt/QtText.h"
 #include "ui/qt/QuestionWindows.h"
-#include "ui/qt/UndoNotification.h"
 
 namespace kinsort {
 
@@ -61,9 +60,18 @@ size_t QtOperationView::ShowSummary(const OperationSummary& summary) {
 }
 
 bool QtOperationView::OfferUndo(const UndoOffer& offer) {
-    if (!UndoNotification::HasSessionBus()) return false;
-    UndoNotification notification(QDBusConnection::sessionBus());
-    return notification.Offer({ToQString(offer.title), ToQString(offer.text), ToQString(offer.undo)}, kOfferMs);
+    if (UndoNotification::HasSessionBus()) {
+        notification_.emplace(QDBusConnection::sessionBus());
+        const UndoNotification::Texts texts = {ToQString(offer.title), ToQString(offer.text), ToQString(offer.undo)};
+        const std::optional<bool> answer = notification_->Offer(texts, kOfferMs);
+        notification_.reset();
+        if (answer) return *answer;
+    }
+    return OfferUndoIn(offer, texts_, kOfferMs);
+}
+
+void QtOperationView::WithdrawOffer() {
+    if (notification_) notification_->Withdraw();
 }
 
 }  // namespace kinsort

@@ -3,10 +3,12 @@
 
 #include <QEventLoop>
 #include <memory>
+#include <optional>
 
 #include "app/OperationView.h"
 #include "ui/qt/PostedTasks.h"
 #include "ui/qt/ProgressWindow.h"
+#include "ui/qt/UndoNotification.h"
 #include "ui/qt/WindowTexts.h"
 
 namespace kinsort {
@@ -31,6 +33,8 @@ class QtOperationView final : public OperationView {
     size_t AskButtons(const ButtonQuestion& question) override;
     size_t ShowSummary(const OperationSummary& summary) override;
     bool OfferUndo(const UndoOffer& offer) override;
+    // The session ends: takes away an offer that is no window.
+    void WithdrawOffer();
 
   private:
     QWidget* Owner();
@@ -40,6 +44,7 @@ class QtOperationView final : public OperationView {
     QEventLoop loop_;
     bool isEnded_ = false;
     std::unique_ptr<ProgressWindow> progress_;
+    std::optional<UndoNotification> notification_;
 };
 
 }  // namespace kinsort

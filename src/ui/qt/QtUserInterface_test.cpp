@@ -4,6 +4,7 @@
 #include <QLineEdit>
 #include <QListWidget>
 #include <QMessageBox>
+#include <map>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -33,50 +34,35 @@ class QtUserInterfaceTest : public testing::Test {
 };
 
 TEST_F(QtUserInterfaceTest, EachSetOfButtonsAnswersAndCloses) {
-    struct Button {
-        const char* label;
-        MessageAnswer answer;
-    };
+    using enum MessageAnswer;
+    std::map<MessageAnswer, const char*> labels = {
+        {kOk, "OK"},   {kCancel, "Cancel"}, {kAbort, "Abort"},        {kRetry, "Retry"},      {kIgnore, "Ignore"},
+        {kYes, "Yes"}, {kNo, "No"},         {kTryAgain, "Try again"}, {kContinue, "Continue"}};
     struct Case {
         MessageButtons buttons;
-        std::vector<Button> row;  // from the left
+        std::vector<MessageAnswer> row;  // from the left
         MessageAnswer closed;
     };
     const std::vector<Case> cases = {
-        {MessageButtons::kOk, {{"OK", MessageAnswer::kOk}}, MessageAnswer::kOk},
-        {MessageButtons::kOkCancel,
-         {{"OK", MessageAnswer::kOk}, {"Cancel", MessageAnswer::kCancel}},
-         MessageAnswer::kCancel},
-        {MessageButtons::kAbortRetryIgnore,
-         {{"Abort", MessageAnswer::kAbort}, {"Retry", MessageAnswer::kRetry}, {"Ignore", MessageAnswer::kIgnore}},
-         MessageAnswer::kAbort},
-        {MessageButtons::kYesNoCancel,
-         {{"Yes", MessageAnswer::kYes}, {"No", MessageAnswer::kNo}, {"Cancel", MessageAnswer::kCancel}},
-         MessageAnswer::kCancel},
-        {MessageButtons::kYesNo, {{"Yes", MessageAnswer::kYes}, {"No", MessageAnswer::kNo}}, MessageAnswer::kNo},
-        {MessageButtons::kRetryCancel,
-         {{"Retry", MessageAnswer::kRetry}, {"Cancel", MessageAnswer::kCancel}},
-         MessageAnswer::kCancel},
-        {MessageButtons::kCancelTryContinue,
-         {{"Cancel", MessageAnswer::kCancel},
-          {"Try again", MessageAnswer::kTryAgain},
-          {"Continue", MessageAnswer::kContinue}},
-         MessageAnswer::kCancel},
+        {MessageButtons::kOk, {kOk}, kOk},
+        {MessageButtons::kOkCancel, {kOk, kCancel}, kCancel},
+        {MessageButtons::kAbortRetryIgnore, {kAbort, kRetry, kIgnore}, kAbort},
+        {MessageButtons::kYesNoCancel, {kYes, kNo, kCancel}, kCancel},
+        {MessageButtons::kYesNo, {kYes, kNo}, kNo},
+        {MessageButtons::kRetryCancel, {kRetry, kCancel}, kCancel},
+        {MessageButtons::kCancelTryContinue, {kCancel, kTryAgain, kContinue}, kCancel},
     };
     for (const Case& each : cases) {
         SCOPED_TRACE(static_cast<int>(each.buttons));
         EXPECT_EQ(Show(each.buttons, 0, [](QDialog& box) { QTest::keyClick(&box, Qt::Key_Escape); }), each.closed);
         EXPECT_EQ(Show(each.buttons, 0, [](QDialog& box) { box.close(); }), each.closed);
         for (unsigned i = 0; i < each.row.size(); ++i) {
-            const QString label = QString::fromLatin1(each.row[i].label);
-            EXPECT_EQ(Show(each.buttons, 0, [&](QDialog& box) { ModalWindows::Press(box, label); }),
-                      each.row[i].answer);
-            EXPECT_EQ(Show(each.buttons, i, [](QDialog& box) { QTest::keyClick(&box, Qt::Key_Return); }),
-                      each.row[i].answer)
+            const QString label = QString::fromLatin1(labels[each.row[i]]);
+            EXPECT_EQ(Show(each.buttons, 0, [&](QDialog& box) { ModalWindows::Press(box, label); }), each.row[i]);
+            EXPECT_EQ(Show(each.buttons, i, [](QDialog& box) { QTest::keyClick(&box, Qt::Key_Return); }), each.row[i])
                 << "the default button";
         }
-        EXPECT_EQ(Show(each.buttons, 9, [](QDialog& box) { QTest::keyClick(&box, Qt::Key_Return); }),
-                  each.row[0].answer)
+        EXPECT_EQ(Show(each.buttons, 9, [](QDialog& box) { QTest::keyClick(&box, Qt::Key_Return); }), each.row[0])
             << "no such default button";
     }
 }

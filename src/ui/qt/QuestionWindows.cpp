@@ -9,12 +9,14 @@
 #include <QGridLayout>
 #include <QGuiApplication>
 #include <QKeyEvent>
-#include <QLabel>
 #include <QPushButton>
+#include <QScreen>
 #include <QStyle>
+#include <QTimer>
 #include <QTreeView>
 #include <QVBoxLayout>
 
+#include "ui/qt/PlainText.h"
 #include "ui/qt/QtText.h"
 #include "ui/qt/SummaryRows.h"
 
@@ -22,8 +24,9 @@ namespace kinsort {
 namespace {
 
 constexpr int kWidthInCharacters = 72;
-constexpr int kPathInCharacters = 60;
+constexpr int kOfferInCharacters = 48;
 constexpr int kListLines = 12;
+constexpr int kMostTextLines = 12;  // in a window that holds more, no button is in sight
 
 // A dialog whose buttons stand side by side and end it with their number.
 class QuestionDialog final : public QDialog {
@@ -35,14 +38,15 @@ class QuestionDialog final : public QDialog {
 
     QVBoxLayout& Body() { return *layout_; }
 
-    QLabel* AddText(const std::u16string& text) {
-        auto* const label = new QLabel(ToQString(text));
-        label->setTextFormat(Qt::PlainText);
+    void AddText(const std::u16string& text, int widthInCharacters = kWidthInCharacters) {
+        const QString whole = ToQString(text);
+        const int width = widthInCharacters * fontMetrics().averageCharWidth();
+        QLabel* const label = PlainLabel(FitIntoLines(whole, fontMetrics(), width, kMostTextLines));
+        if (label->text() != whole) label->setToolTip(PlainToolTip(whole));
         label->setWordWrap(true);
         label->setTextInteractionFlags(Qt::TextSelectableByMouse);
-        label->setMinimumWidth(kWidthInCharacters * fontMetrics().averageCharWidth());
+        label->setMinimumWidth(width);
         layout_->addWidget(label);
-        return label;
     }
 
     void AddButtons(const std::vector<std::u16string>& labels, size_t defaultButton, size_t escapeButton) {
@@ -69,12 +73,6 @@ class QuestionDialog final : public QDialog {
     int escape_ = 0;
 };
 
-QLabel* PlainLabel(const QString& text) {
-    auto* const label = new QLabel(text);
-    label->setTextFormat(Qt::PlainText);
-    return label;
-}
-
 // One of the two files: its picture, what it is, where it is, its size and date.
 void AddSide(QGridLayout& grid, int row, const ConflictSideTexts& side) {
     const QString path = ToQString(side.path);
@@ -85,16 +83,13 @@ void AddSide(QGridLayout& grid, int row, const ConflictSideTexts& side) {
     QFont bold = heading->font();
     bold.setBold(true);
     heading->setFont(bold);
-    const QFontMetrics metrics = grid.parentWidget()->fontMetrics();
-    QLabel* const shownPath =
-        PlainLabel(metrics.elidedText(path, Qt::ElideMiddle, kPathInCharacters * metrics.averageCharWidth()));
-    shownPath->setToolTip(path);
-    shownPath->setAccessibleName(path);
+    auto* const shownPath = new ElidedLabel;
+    shownPath->SetFullText(path);
     grid.addWidget(icon, row, 0, 3, 1, Qt::AlignTop);
     grid.addWidget(heading, row, 1);
     grid.addWidget(shownPath, row + 1, 1);
     grid.addWidget(PlainLabel(ToQString(side.details)), row + 2, 1);
-    grid.setRowMinimumHeight(row + 3, metrics.height() / 2);
+    grid.setRowMinimumHeight(row + 3, heading->fontMetrics().height() / 2);
 }
 
 // Ctrl+C and the context menu copy the rows that are selected, or all.
@@ -170,6 +165,21 @@ size_t ShowSummaryIn(QWidget* owner, const OperationSummary& summary, const Wind
     dialog.setSizeGripEnabled(!summary.rows.empty());
     dialog.AddButtons(summary.buttons, summary.buttons.size() - 1, summary.buttons.size() - 1);
     return dialog.Ask();
+}
+
+bool OfferUndoIn(const UndoOffer& offer, const WindowTexts& texts, int limitMs) {
+    QuestionDialog dialog(nullptr, offer.title);
+    dialog.AddText(offer.text, kOfferInCharacters);
+    dialog.AddButtons({offer.undo, FromQString(texts.Say(WindowText::kClose))}, 1, 1);
+    dialog.setAttribute(Qt::WA_ShowWithoutActivating);
+    dialog.setWindowFlag(Qt::WindowStaysOnTopHint);
+    dialog.adjustSize();
+    const int distance = 3 * dialog.fontMetrics().height();
+    const QRect room = dialog.screen()->availableGeometry().adjusted(distance, distance, -distance, -distance);
+    dialog.move(
+        QStyle::alignedRect(dialog.layoutDirection(), Qt::AlignRight | Qt::AlignBottom, dialog.size(), room).topLeft());
+    QTimer::singleShot(limitMs, &dialog, &QDialog::reject);
+    return dialog.Ask() == 0;
 }
 
 }  // namespace kinsort

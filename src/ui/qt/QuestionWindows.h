@@ -14,4 +14,8 @@ ConflictReply AskConflictIn(QWidget* owner, const ConflictQuestion& question);
 size_t AskButtonsIn(QWidget* owner, const ButtonQuestion& question);
 size_t ShowSummaryIn(QWidget* owner, const OperationSummary& summary, const WindowTexts& texts);
 
+// A small window in a corner of the screen that takes no focus and goes away by itself. True when the user wants to
+// undo.
+bool OfferUndoIn(const UndoOffer& offer, const WindowTexts& texts, int limitMs);
+
 }  // namespace kinsort

@@ -62,19 +62,24 @@ bool UndoNotification::Show(const Texts& texts, bool hasMarkup, int limitMs) {
     return true;
 }
 
-bool UndoNotification::Offer(const Texts& texts, int limitMs) {
-    if (!bus_.isConnected()) return false;
+std::optional<bool> UndoNotification::Offer(const Texts& texts, int limitMs) {
+    if (!bus_.isConnected()) return std::nullopt;
     const QStringList capabilities = Capabilities();
-    if (!capabilities.contains(QStringLiteral("actions"))) return false;
+    if (!capabilities.contains(QStringLiteral("actions"))) return std::nullopt;
     bus_.connect(kService, kPath, kService, QStringLiteral("ActionInvoked"), this, SLOT(OnAction(uint, QString)));
     bus_.connect(kService, kPath, kService, QStringLiteral("NotificationClosed"), this, SLOT(OnClosed(uint, uint)));
-    if (!Show(texts, capabilities.contains(QStringLiteral("body-markup")), limitMs)) return false;
-    if (!chosen_.contains(id_) && !gone_.contains(id_)) {
+    if (!Show(texts, capabilities.contains(QStringLiteral("body-markup")), limitMs)) return std::nullopt;
+    if (!isWithdrawn_ && !chosen_.contains(id_) && !gone_.contains(id_)) {
         QTimer::singleShot(limitMs, &loop_, &QEventLoop::quit);
         loop_.exec();
     }
     if (!gone_.contains(id_)) bus_.send(Call(QStringLiteral("CloseNotification"), {id_}));
     return chosen_.contains(id_);
+}
+
+void UndoNotification::Withdraw() {
+    isWithdrawn_ = true;
+    loop_.quit();
 }
 
 // What happens to a notification can be heard of before the number that it was given.

@@ -6,6 +6,7 @@
 #include <QObject>
 #include <QSet>
 #include <QString>
+#include <optional>
 
 namespace kinsort {
 
@@ -26,8 +27,10 @@ class UndoNotification final : public QObject {
     static bool HasSessionBus();
 
     // Shows it and handles events until it is gone or `limitMs` have passed, which takes it away. True when the button
-    // was pressed. False at once where nobody shows notifications, or none with buttons.
-    bool Offer(const Texts& texts, int limitMs);
+    // was pressed. Nothing at once where nobody shows notifications, or none with buttons.
+    std::optional<bool> Offer(const Texts& texts, int limitMs);
+    // Takes it away at once.
+    void Withdraw();
 
   private slots:
     void OnAction(uint id, const QString& action);
@@ -39,6 +42,7 @@ class UndoNotification final : public QObject {
 
     QDBusConnection bus_;
     QEventLoop loop_;
+    bool isWithdrawn_ = false;
     uint id_ = 0;
     QSet<uint> chosen_;  // the button was pressed: of any program's notifications
     QSet<uint> gone_;    // closed

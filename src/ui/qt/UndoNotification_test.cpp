@@ -1,8 +1,8 @@
 // The notification against a service of our own on a bus of our own.
 #include "ui/qt/UndoNotification.h"
 
+#include <QCoreApplication>
 #include <QDBusConnectionInterface>
-#include <QGuiApplication>
 #include <QProcess>
 
 #include <gmock/gmock.h>
@@ -71,7 +71,7 @@ TEST_F(UndoNotificationTest, TheButtonUndoes) {
         emit service.ActionInvoked(id + 1, QStringLiteral("undo"));  // somebody else's
         emit service.ActionInvoked(id, QStringLiteral("undo"));
     };
-    EXPECT_TRUE(notification.Offer(kTexts, kLongMs));
+    EXPECT_EQ(notification.Offer(kTexts, kLongMs), true);
     EXPECT_EQ(service.body, kTexts.text);
     EXPECT_EQ(service.actions, (QStringList{QStringLiteral("undo"), QStringLiteral("Undo")}));
 }
@@ -84,26 +84,31 @@ TEST_F(UndoNotificationTest, GoneWithoutTheButtonUndoesNothing) {
         emit service.ActionInvoked(id, QStringLiteral("default"));
         emit service.NotificationClosed(id, 2);
     };
-    EXPECT_FALSE(notification.Offer(kTexts, kLongMs));
+    EXPECT_EQ(notification.Offer(kTexts, kLongMs), false);
     EXPECT_EQ(service.body, QStringLiteral("Moved &lt;3&gt; &amp; more"));
 }
 
-TEST_F(UndoNotificationTest, WhenTheTimeIsOverItIsTakenAway) {
+TEST_F(UndoNotificationTest, WhenTheTimeIsOverOrTheProgramEndsItIsTakenAway) {
     StartService();
-    EXPECT_FALSE(notification.Offer(kTexts, kShortMs));
+    EXPECT_EQ(notification.Offer(kTexts, kShortMs), false);
     while (service.closed == 0)
         Settle();
-    EXPECT_EQ(service.shown, 1);
+    UndoNotification second{program};
+    service.whenShown = [&](uint) { second.Withdraw(); };
+    EXPECT_EQ(second.Offer(kTexts, kLongMs), false);
+    while (service.closed == 1)
+        Settle();
+    EXPECT_EQ(service.shown, 2);
 }
 
 TEST_F(UndoNotificationTest, WithoutServiceOrButtonsNothingIsShown) {
-    EXPECT_FALSE(notification.Offer(kTexts, kLongMs)) << "nobody there";
+    EXPECT_EQ(notification.Offer(kTexts, kLongMs), std::nullopt) << "nobody there";
     service.capabilities = {QStringLiteral("body")};
     StartService();
-    EXPECT_FALSE(notification.Offer(kTexts, kLongMs)) << "no buttons";
+    EXPECT_EQ(notification.Offer(kTexts, kLongMs), std::nullopt) << "no buttons";
     EXPECT_EQ(service.shown, 0);
     UndoNotification unconnected{QDBusConnection(QStringLiteral("none"))};
-    EXPECT_FALSE(unconnected.Offer(kTexts, kLongMs));
+    EXPECT_EQ(unconnected.Offer(kTexts, kLongMs), std::nullopt);
 
     for (const char* name : {"DBUS_SESSION_BUS_ADDRESS", "XDG_RUNTIME_DIR"})
         qunsetenv(name);
@@ -116,10 +121,3 @@ TEST_F(UndoNotificationTest, WithoutServiceOrButtonsNothingIsShown) {
 
 }  // namespace
 }  // namespace kinsort
-
-int main(int argc, char** argv) {
-    testing::InitGoogleMock(&argc, argv);
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-    const QGuiApplication app(argc, argv);
-    return RUN_ALL_TESTS();
-}

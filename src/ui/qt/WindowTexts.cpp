@@ -22,6 +22,7 @@ constexpr std::array kRows = {
     TextRow{WindowText::kTryAgain, u"再実行(&T)", u"&Try again"},
     TextRow{WindowText::kContinue, u"続行(&C)", u"&Continue"},
     TextRow{WindowText::kCopyList, u"コピー(&C)", u"&Copy"},
+    TextRow{WindowText::kClose, u"閉じる(&C)", u"&Close"},
 };
 
 constexpr bool IsInOrder() {

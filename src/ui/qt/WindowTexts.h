@@ -23,6 +23,7 @@ enum class WindowText : uint8_t {
     kTryAgain,
     kContinue,
     kCopyList,
+    kClose,
 };
 
 class WindowTexts {
