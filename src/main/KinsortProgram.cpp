@@ -66,6 +66,7 @@ KinsortProgram::KinsortProgram(QtProgram& toolkit, const std::string& programFil
     toolkit.SetLanguage(windowTexts_.Language());
     toolkit.OnEndRequest([this] {
         operation_.CancelRunning();
+        operationView_.WithdrawOffer();
         QtProgram::CloseWindows();
     });
 }
