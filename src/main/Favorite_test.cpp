@@ -1,60 +1,28 @@
 // Scripts of the favourites' menu, chosen with the keyboard on a screen that nobody sees: they run with the dialog as
 // their host.
-#include <filesystem>
-#include <fstream>
-
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include "main/KinsortProgram.h"
-#include "platform/linux/LinuxPathCodec.h"
-#include "platform/linux/TemporaryFolder_test.h"
-#include "platform/linux/UserFolders.h"
+#include "main/ProgramWorld_test.h"
 #include "text/Split.h"
-#include "text/Utf8.h"
-#include "ui/qt/ModalWindows_test.h"
-#include "ui/qt/QtText.h"
 
 namespace kinsort {
 namespace {
 
-namespace fs = std::filesystem;
-
-QtProgram* g_toolkit = nullptr;
-
-class FavoriteTest : public testing::Test {
+class FavoriteTest : public ProgramTest {
   protected:
     FavoriteTest() {
-        for (const char* name : {"XDG_RUNTIME_DIR", "XDG_CONFIG_HOME", "XDG_STATE_HOME", "XDG_DATA_HOME", "HOME"}) {
-            const std::string path = folder.path() + "/" + name;
-            fs::create_directory(path);
-            fs::permissions(path, fs::perms::owner_all);
-            ::setenv(name, path.c_str(), 1);
-        }
-        ::unsetenv("VEL_ExCommand");
-        ::unsetenv("DBUS_SESSION_BUS_ADDRESS");
         for (const char* name : {"one", "two", "three", "user/Bar/Favorite/More"})
-            fs::create_directories(folder.path() + "/" + name);
-        std::ofstream(folder.path() + "/two/file.txt") << "file";
-
-        const auto registry = MakeSqliteRegistry(RegistryFileOfThisUser(), *codec, {});
-        Settings settings(*registry, u"Kinsort");
-        settings.WriteRegString(kSettingsKey, kLanguageName, u".en-US");
-        settings.WriteRegDword(kSettingsKey, kUserDirModeName, kUserDirChosen);
-        settings.WriteRegString(kSettingsKey, kUserDirName, Inner("user"));
-    }
-
-    std::u16string Inner(const std::string& name) const { return codec->PathToInner(folder.path() + "/" + name); }
-    std::string Read(const std::string& name) const {
-        std::ifstream file(folder.path() + "/" + name);
-        return file ? std::string(std::istreambuf_iterator<char>(file), {}) : std::string("(none)");
+            std::filesystem::create_directories(At(name));
+        Write("two/file.txt", "file");
+        SetLanguage(u".en-US");
+        ChangeSettings([this](Settings& settings) {
+            settings.WriteRegDword(kSettingsKey, kUserDirModeName, kUserDirChosen);
+            settings.WriteRegString(kSettingsKey, kUserDirName, Inner("user"));
+        });
     }
 
     // In the lines, "@" is the test's folder.
     void WriteFavorite(const std::string& name, std::u16string_view lines) const {
         const std::u16string text = Replace(lines, u"@", codec->PathToInner(folder.path()));
-        std::ofstream(folder.path() + "/user/Bar/Favorite/" + name, std::ios::binary)
-            .write(reinterpret_cast<const char*>(text.data()), static_cast<std::streamsize>(text.size() * 2));
+        Write("user/Bar/Favorite/" + name, {reinterpret_cast<const char*>(text.data()), text.size() * 2});
     }
 
     // Chooses in the favourites' menu by keys.
@@ -66,29 +34,13 @@ class FavoriteTest : public testing::Test {
                 QTest::keyClick(menu, key);
             }
         });
-        QTest::mouseClick(window.Control(kIdFavorites), Qt::LeftButton);
+        Press(window, kIdFavorites);
     }
 
     std::string Shown(KinsortWindow& window) const {
         const std::string text = window.Folder().currentText().toStdString();
         return text.starts_with(folder.path()) ? text.substr(folder.path().size()) : text;
     }
-
-    void Run(const std::function<void(KinsortWindow&)>& steps) {
-        KinsortProgram program(*g_toolkit, folder.path() + "/command/Default/Kinsort");
-        KinsortWindow& window = program.View().Window();
-        program.View().CallSoon([&] {
-            QTimer::singleShot(0, &window, [&] {
-                steps(window);
-                QTest::keyClick(&window, Qt::Key_Escape);
-            });
-        });
-        program.Run({});
-    }
-
-    const TemporaryFolder folder;
-    const std::unique_ptr<PathCodec> codec = MakeLinuxPathCodec("/nowhere");
-    ModalWindows windows;
 };
 
 TEST_F(FavoriteTest, WhateverModeAScriptAsksForItsFolderGoesIntoTheDialog) {
@@ -102,7 +54,7 @@ TEST_F(FavoriteTest, WhateverModeAScriptAsksForItsFolderGoesIntoTheDialog) {
                   u"call=sh -c \"echo $0 >>called\" $code\r\n"
                   u"openmode=1\r\n"
                   u"run=@\\two\\file.txt\r\n");
-    Run([&](KinsortWindow& window) {
+    Run({}, [&](KinsortWindow& window) {
         EXPECT_EQ(Shown(window), "");
         Choose(window, {Qt::Key_Down, Qt::Key_Down, Qt::Key_Return});
         EXPECT_EQ(Shown(window), "/one");
@@ -113,14 +65,15 @@ TEST_F(FavoriteTest, WhateverModeAScriptAsksForItsFolderGoesIntoTheDialog) {
         EXPECT_EQ(Read("one/called"), "first " + folder.path() + "/two\n3\n");
         Choose(window, {Qt::Key_Down, Qt::Key_Right, Qt::Key_Return});
         EXPECT_EQ(Shown(window), "/three");
+        Press(window, kIdCancel);
     });
 }
 
 TEST_F(FavoriteTest, QuestionsAndErrorsOfAScriptAreWindowsOverTheDialog) {
     WriteFavorite("a.ecs", u"messageboxyn=Go on?\r\nshell=@\\one\r\n");
     WriteFavorite("b.ecs", u"shell=@\\two\r\ngoto nowhere\r\nshell=@\\one\r\n");
-    fs::remove(folder.path() + "/user/Bar/Favorite/More");
-    Run([&](KinsortWindow& window) {
+    std::filesystem::remove(At("user/Bar/Favorite/More"));
+    Run({}, [&](KinsortWindow& window) {
         windows.ExpectAndPress(QStringLiteral("No"));
         Choose(window, {Qt::Key_Down, Qt::Key_Return});
         EXPECT_EQ(Shown(window), "");
@@ -130,16 +83,9 @@ TEST_F(FavoriteTest, QuestionsAndErrorsOfAScriptAreWindowsOverTheDialog) {
         windows.ExpectAndPress(QStringLiteral("OK"));
         Choose(window, {Qt::Key_Down, Qt::Key_Down, Qt::Key_Return});
         EXPECT_EQ(Shown(window), "/two") << "what was done before the error stays, what follows it is not run";
+        Press(window, kIdCancel);
     });
 }
 
 }  // namespace
 }  // namespace kinsort
-
-int main(int argc, char** argv) {
-    ::setenv("QT_QPA_PLATFORM", "offscreen", 1);
-    testing::InitGoogleMock(&argc, argv);
-    kinsort::QtProgram toolkit("Favorite_test");
-    kinsort::g_toolkit = &toolkit;
-    return RUN_ALL_TESTS();
-}

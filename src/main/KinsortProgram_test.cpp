@@ -1,7 +1,5 @@
 // The dialog's program as a whole, on a screen that nobody sees: real files, settings, messages of other programs, real
 // widgets. With --send this program is such another program.
-#include "main/KinsortProgram.h"
-
 #include <QCheckBox>
 #include <QDropEvent>
 #include <QLabel>
@@ -9,38 +7,16 @@
 #include <QMimeData>
 #include <QProcess>
 #include <QStyleOptionButton>
-#include <QTest>
 #include <QTreeView>
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
-
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include "framework/CopyData.h"
 #include "hostlink/HandOffWriter.h"
-#include "hostlink/LaunchDescriptor.h"
-#include "platform/linux/LinuxPathCodec.h"
+#include "main/ProgramWorld_test.h"
 #include "platform/linux/LinuxWindowMessages.h"
-#include "platform/linux/TemporaryFolder_test.h"
-#include "platform/linux/UserFolders.h"
 #include "text/Utf8.h"
-#include "ui/qt/ModalWindows_test.h"
-#include "ui/qt/QtText.h"
 
 namespace kinsort {
 namespace {
-
-namespace fs = std::filesystem;
-
-QtProgram* g_toolkit = nullptr;
-
-std::vector<std::byte> Utf16Bytes(std::u16string_view text) {
-    std::vector<std::byte> bytes(text.size() * 2 + 2);
-    std::memcpy(bytes.data(), text.data(), text.size() * 2);
-    return bytes;
-}
 
 // What the other program does: sends a block of data, or asks whether this is a dialog. Its exit code is the answer.
 int SendToDialog(const std::string& number, const std::string& text) {
@@ -48,52 +24,20 @@ int SendToDialog(const std::string& number, const std::string& text) {
     const WindowHandle dialog = messages->FindTopLevel(kDialogWindowClass);
     const Result<int64_t> answer =
         number == "ask" ? messages->SendNumbers(dialog, 0x8030, 0, 0)
-                        : messages->SendData(dialog, kNoWindow, std::stoull(number), Utf16Bytes(FromUtf8(text)));
+                        : messages->SendData(dialog, kNoWindow, std::stoull(number), CopyDataBytes(FromUtf8(text)));
     return answer.ok() ? static_cast<int>(*answer) : 99;
 }
 
-class KinsortProgramTest : public testing::Test {
+class KinsortProgramTest : public ProgramTest {
   protected:
     KinsortProgramTest() {
-        for (const char* name : {"XDG_RUNTIME_DIR", "XDG_CONFIG_HOME", "XDG_STATE_HOME", "XDG_DATA_HOME", "HOME"}) {
-            const std::string path = folder.path() + "/" + name;
-            fs::create_directory(path);
-            fs::permissions(path, fs::perms::owner_all);
-            ::setenv(name, path.c_str(), 1);
-        }
-        ::unsetenv("VEL_ExCommand");
-        ::unsetenv("DBUS_SESSION_BUS_ADDRESS");
-        fs::create_directories(folder.path() + "/in");
-        for (const char* name : {"Guitar Lessons", "Invoices"})
-            fs::create_directories(Sorted(name));
-        Write(In("Invoice 2024.pdf"), "new");
-        Write(In("guitar lesson 3.mp3"), "song");
-        Write(In("12345.tmp"), "");
+        for (const char* name : {"in", "sorted/Guitar Lessons", "sorted/Invoices"})
+            std::filesystem::create_directories(At(name));
+        Write("in/Invoice 2024.pdf", "new");
+        Write("in/guitar lesson 3.mp3", "song");
+        Write("in/12345.tmp", "");
     }
 
-    std::string In(const std::string& name) const { return folder.path() + "/in/" + name; }
-    std::string Sorted(const std::string& name) const { return folder.path() + "/sorted/" + name; }
-    static void Write(const std::string& path, const std::string& content) { std::ofstream(path) << content; }
-    static std::string Read(const std::string& path) {
-        std::ifstream file(path);
-        return file ? std::string(std::istreambuf_iterator<char>(file), {}) : std::string("(none)");
-    }
-
-    void SetLanguage(std::u16string_view suffix) {
-        const auto registry = MakeSqliteRegistry(RegistryFileOfThisUser(), *codec, {});
-        Settings settings(*registry, u"Kinsort");
-        ASSERT_EQ(settings.WriteRegString(kSettingsKey, kLanguageName, suffix), 1);
-    }
-
-    // Runs the program; `steps` follow each other when the dialog has been drawn.
-    void Run(std::vector<std::string> arguments, std::function<void(KinsortWindow&)> steps) {
-        KinsortProgram program(*g_toolkit, KINSORT_PROGRAM_FILE);
-        KinsortWindow& window = program.View().Window();
-        program.View().CallSoon([&] { QTimer::singleShot(0, &window, [&] { steps(window); }); });
-        program.Run(std::move(arguments));
-    }
-
-    static void Press(KinsortWindow& window, int id) { QTest::mouseClick(window.Control(id), Qt::LeftButton); }
     static QStringList Rows(KinsortWindow& window) {
         QStringList rows;
         const QAbstractItemModel& model = *window.List().model();
@@ -102,18 +46,14 @@ class KinsortProgramTest : public testing::Test {
         }
         return rows;
     }
-
-    const TemporaryFolder folder;
-    const std::unique_ptr<PathCodec> codec = MakeLinuxPathCodec("/nowhere");
-    ModalWindows windows;
 };
 
 TEST_F(KinsortProgramTest, OneRequestFromTheHandOffToTheUndo) {
     SetLanguage(u".en-US");
-    Write(Sorted("Invoices/Invoice 2024.pdf"), "old");
+    Write("sorted/Invoices/Invoice 2024.pdf", "old");
     HostHandOff handOff;
     for (const char* name : {"Invoice 2024.pdf", "guitar lesson 3.mp3", "12345.tmp"}) {
-        handOff.SelectedItems.push_back(codec->PathToInner(In(name)));
+        handOff.SelectedItems.push_back(Inner(std::string("in/") + name));
     }
     LinuxSharedMemory memory;
     Result<WrittenHandOff> written = WriteHandOff(memory, handOff);
@@ -124,15 +64,15 @@ TEST_F(KinsortProgramTest, OneRequestFromTheHandOffToTheUndo) {
     windows.ExpectAndPress(QStringLiteral("Keep both"));
     windows.Expect([&](QDialog& summary) {  // one item has vanished
         EXPECT_EQ(summary.findChild<QTreeView*>()->model()->rowCount(), 1);
-        EXPECT_EQ(Read(Sorted("Invoices/Invoice 2024 (2).pdf")), "new");
-        EXPECT_EQ(Read(In("Invoice 2024.pdf")), "(none)");
+        EXPECT_EQ(Read("sorted/Invoices/Invoice 2024 (2).pdf"), "new");
+        EXPECT_EQ(Read("in/Invoice 2024.pdf"), "(none)");
         ModalWindows::Press(summary, QStringLiteral("Undo"));
     });
     Run({"/m"}, [&](KinsortWindow& window) {
         EXPECT_EQ(window.Text(kIdCount), QStringLiteral("(3)"));
         EXPECT_TRUE(dynamic_cast<QAbstractButton*>(window.Control(kIdMove))->isChecked());
         window.Folder().setFocus();
-        QTest::keyClicks(window.Folder().lineEdit(), QString::fromStdString(folder.path() + "/sorted"));
+        QTest::keyClicks(window.Folder().lineEdit(), QString::fromStdString(At("sorted")));
         Press(window, kIdSearchAgain);
         EXPECT_THAT(Rows(window), testing::ElementsAre(QStringLiteral("Invoice 2024.pdf > Invoices"),
                                                        QStringLiteral("guitar lesson 3.mp3 > Guitar Lessons"),
@@ -142,19 +82,19 @@ TEST_F(KinsortProgramTest, OneRequestFromTheHandOffToTheUndo) {
         EXPECT_EQ(window.List().SelectedRow(), 2U);
         Press(window, kIdDeleteNoCandidate);
         EXPECT_EQ(window.Text(kIdCount), QStringLiteral("(2)"));
-        fs::remove(In("guitar lesson 3.mp3"));
+        std::filesystem::remove(At("in/guitar lesson 3.mp3"));
         Press(window, kIdOk);
         EXPECT_FALSE(window.isVisible());
     });
-    EXPECT_EQ(Read(In("Invoice 2024.pdf")), "new");
-    EXPECT_EQ(Read(Sorted("Invoices/Invoice 2024.pdf")), "old");
-    EXPECT_EQ(Read(Sorted("Invoices/Invoice 2024 (2).pdf")), "(none)");
+    EXPECT_EQ(Read("in/Invoice 2024.pdf"), "new");
+    EXPECT_EQ(Read("sorted/Invoices/Invoice 2024.pdf"), "old");
+    EXPECT_EQ(Read("sorted/Invoices/Invoice 2024 (2).pdf"), "(none)");
 
     Run({}, [&](KinsortWindow& window) {  // the folder was remembered
         window.Folder().setFocus();
         for (Qt::Key key : {Qt::Key_Up, Qt::Key_Down, Qt::Key_Return})
             QTest::keyClick(window.Folder().lineEdit(), key);
-        EXPECT_EQ(window.Folder().currentText(), QString::fromStdString(folder.path() + "/sorted"));
+        EXPECT_EQ(window.Folder().currentText(), QString::fromStdString(At("sorted")));
         EXPECT_TRUE(window.isVisible());
         QTest::keyClick(&window, Qt::Key_Escape);
         EXPECT_FALSE(window.isVisible());
@@ -162,9 +102,8 @@ TEST_F(KinsortProgramTest, OneRequestFromTheHandOffToTheUndo) {
 }
 
 TEST_F(KinsortProgramTest, OtherProgramsAndDropsReachTheDialog) {
-    const QString in = QString::fromStdString(folder.path() + "/in/");
-    const std::u16string block = u"1\t0\tZ:\\\t\t" + codec->PathToInner(In("Invoice 2024.pdf")) + u"\t";
-    const std::u16string target = codec->PathToInner(folder.path() + "/sorted");
+    const std::u16string block = u"1\t0\tZ:\\\t\t" + Inner("in/Invoice 2024.pdf") + u"\t";
+    const std::u16string target = Inner("sorted");
     QProcess other;
     const auto send = [&](const QString& number, const std::u16string& text, int expected) {
         QEventLoop loop;
@@ -173,11 +112,11 @@ TEST_F(KinsortProgramTest, OtherProgramsAndDropsReachTheDialog) {
         loop.exec();
         EXPECT_EQ(other.exitCode(), expected) << number.toStdString();
     };
-    Run({"/c", folder.path() + "/nothing"}, [&](KinsortWindow& window) {
+    Run({"/c", At("nothing")}, [&](KinsortWindow& window) {
         EXPECT_FALSE(window.Control(kIdOk)->isEnabled());
         send(QStringLiteral("ask"), u"", 1);
         send(QStringLiteral("100"), target, 0);
-        EXPECT_EQ(window.Folder().currentText(), QString::fromStdString(folder.path() + "/sorted"));
+        EXPECT_EQ(window.Folder().currentText(), QString::fromStdString(At("sorted")));
         send(QStringLiteral("255"), block, 0);
         EXPECT_THAT(Rows(window), testing::ElementsAre(QStringLiteral("Invoice 2024.pdf > Invoices")));
         EXPECT_TRUE(window.Control(kIdOk)->isEnabled());
@@ -197,7 +136,7 @@ TEST_F(KinsortProgramTest, OtherProgramsAndDropsReachTheDialog) {
         Press(window, kIdCancel);
     });
     EXPECT_EQ(SendToDialog("ask", ""), 99) << "the window is gone";
-    EXPECT_EQ(Read(In("Invoice 2024.pdf")), "new");
+    EXPECT_EQ(Read("in/Invoice 2024.pdf"), "new");
 }
 
 TEST_F(KinsortProgramTest, WithoutADisplayOneLineSaysSo) {
