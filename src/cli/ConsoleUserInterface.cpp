@@ -8,6 +8,7 @@
 #include "cli/ItemList.h"
 #include "cli/ShownText.h"
 #include "cli/Texts.h"
+#include "framework/Paths.h"
 #include "text/AsciiCase.h"
 #include "text/Utf8.h"
 
@@ -147,8 +148,7 @@ std::optional<std::u16string> ConsoleUserInterface::BrowseForFolder(const Folder
         const std::optional<std::string> typed = console.ReadReply();
         if (!typed || typed->empty()) return std::nullopt;
         const Result<std::u16string> folder = ResolveTyped(context_, *typed);
-        const uint32_t attributes = folder.ok() ? context_.services.files.GetAttributes(*folder) : kInvalidAttributes;
-        if (attributes != kInvalidAttributes && (attributes & kAttributeDirectory) != 0) return *folder;
+        if (folder.ok() && FolderExists(context_.services.files, *folder)) return *folder;
         console.PutMessage("That is no folder. Folder, or nothing to cancel: ");
     }
 }
