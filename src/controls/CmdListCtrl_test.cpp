@@ -101,8 +101,8 @@ class CmdListCtrlTest : public testing::Test {
             found.push_back(list->Plan().GetIcon(row));
         return found;
     }
-    // Presses the keys one after the other, with a second between them for "." and a little more for ","; what the focus
-    // mark stands on then.
+    // Presses the keys one after the other, with a second between them for "." and a little more for ","; what the
+    // focus mark stands on then.
     size_t Type(std::string_view keys) {
         for (const char key : keys) {
             if (key == '.' || key == ',') {
