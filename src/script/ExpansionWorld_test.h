@@ -5,13 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "framework/VelFolders.h"
-#include "platform/fake/FakeEnvironment.h"
-#include "platform/fake/FakeUserAccount.h"
+#include "framework/FolderWorld_test.h"
 #include "platform/fake/ManualClock.h"
-#include "platform/fake/MemoryFileSystem.h"
-#include "platform/fake/MemoryRegistry.h"
-#include "platform/linux/LinuxPathCodec.h"
 #include "script/ExpandLine.h"
 
 namespace kinsort {
@@ -29,14 +24,7 @@ class FakeShortNames final : public SystemInfo {
     }
 };
 
-struct ExpansionWorld {
-    MemoryRegistry registry;
-    Settings settings{registry, u"Kinsort"};
-    MemoryFileSystem files;
-    FakeUserAccount account;
-    FakeEnvironment environment;
-    std::unique_ptr<PathCodec> codec = MakeLinuxPathCodec("/nowhere/drives");
-    VelFolders folders{{settings, files, account, environment, *codec}, u"C:\\V\\command\\Default\\Kinsort"};
+struct ExpansionWorld : FolderWorld {
     FakeShortNames system;
     ManualClock clock;
     VariableTable variables;

@@ -6,17 +6,11 @@
 #include "platform/fake/MemoryFileSystem.h"
 #include "text/EditDistance.h"
 #include "text/Split.h"
+#include "text/Utf16Bytes_test.h"
 #include "text/Utf8.h"
 
 namespace kinsort {
 namespace {
-
-std::string Bytes(std::u16string_view text) {
-    std::string bytes;
-    for (const char16_t unit : text)
-        bytes.append({static_cast<char>(unit & 0xFF), static_cast<char>(unit >> 8)});
-    return bytes;
-}
 
 std::vector<ScriptFinding> Check(std::string_view bytes) {
     MemoryFileSystem files;
@@ -27,7 +21,7 @@ std::vector<ScriptFinding> Check(std::string_view bytes) {
 // "5 unknown-name: nothing is called ..." for each finding, by line.
 std::vector<std::pair<int32_t, std::string>> Findings(std::string_view script) {
     std::vector<std::pair<int32_t, std::string>> found;
-    for (const ScriptFinding& finding : Check(Bytes(FromUtf8(script)))) {
+    for (const ScriptFinding& finding : Check(Utf16Bytes(FromUtf8(script)))) {
         found.emplace_back(finding.line, std::to_string(finding.column) + " " + std::string(finding.rule) + ": " +
                                              ToUtf8(finding.message));
     }
@@ -215,7 +209,8 @@ TEST(ScriptCheck, TellsOfFilesThatAreNoScripts) {
     ASSERT_EQ(bytes.size(), 1u);
     EXPECT_EQ(bytes[0].rule, "encoding");
 
-    const std::vector<ScriptFinding> endless = Check(Bytes(u"nonsense\n" + std::u16string(32'767, u'x') + u"\nmore"));
+    const std::vector<ScriptFinding> endless =
+        Check(Utf16Bytes(u"nonsense\n" + std::u16string(32'767, u'x') + u"\nmore"));
     ASSERT_EQ(endless.size(), 2u);
     EXPECT_EQ(endless[0].line, 1);
     EXPECT_EQ(endless[0].text, u"nonsense");
