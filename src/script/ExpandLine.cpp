@@ -95,7 +95,10 @@ void FillInFolders(std::u16string& text, const ExpansionScope& scope) {
 }
 
 void FillInPathTokens(std::u16string& text, const ExpansionScope& scope) {
-    if (text.find(u'%') != text.npos) text = scope.folders.ExpandDirectoryMacros(text);
+    // One alone divides.
+    const size_t percent = text.find(u'%');
+    if (percent != text.npos && text.find(u'%', percent + 1) != text.npos)
+        text = scope.folders.ExpandDirectoryMacros(text);
     if (text.find(u'?') == text.npos) return;
     FillInDates(text, scope.clock);
     FillInFolders(text, scope);
