@@ -10,32 +10,44 @@ constexpr size_t kFirstPlaces = 64;
 
 }  // namespace
 
-NameTrie::NameTrie() : numbers_{kNone}, edges_(kFirstPlaces) {
+NameTrie::NameTrie() : nodes_(1), edges_(kFirstPlaces) {
     firstChildren_.fill(kNone);
 }
 
-void NameTrie::Grow() {
-    const std::vector<Edge> old = std::exchange(edges_, std::vector<Edge>(edges_.size() * 2));
-    for (const Edge& edge : old)
-        if (edge.key != 0) edges_[PlaceOf(edge.key)] = edge;
+void NameTrie::AddEdge(const Edge& edge) {
+    if (++edgeCount_ * 2 > edges_.size()) {
+        const std::vector<Edge> old = std::exchange(edges_, std::vector<Edge>(edges_.size() * 2));
+        for (const Edge& one : old)
+            if (one.key != 0) edges_[PlaceOf(one.key)] = one;
+    }
+    edges_[PlaceOf(edge.key)] = edge;
+}
+
+uint32_t NameTrie::AddChild(uint32_t node, char16_t unit) {
+    const auto child = static_cast<uint32_t>(nodes_.size());
+    nodes_.emplace_back();
+    Node& from = nodes_[node];
+    if (node == kRoot && unit < kDirectUnits) {
+        firstChildren_[unit] = child;
+    } else if (from.child == kNone) {
+        from.unit = unit;
+        from.child = child;
+    } else {
+        from.hasEdges = true;
+        AddEdge({Key(node, unit), child});
+    }
+    return child;
 }
 
 void NameTrie::Add(std::u16string_view name, uint32_t number) {
+    firstUnits_[LowByte(name.front())] = true;
     uint32_t node = kRoot;
-    Mark(firstUnits_, name.front());
     for (const char16_t unit : name) {
-        Mark(units_, unit);
-        // Every node but the root has one edge that leads to it.
-        if (numbers_.size() * 2 > edges_.size()) Grow();
-        Edge& edge = edges_[PlaceOf(Key(node, unit))];
-        if (edge.key == 0) {
-            edge = {Key(node, unit), static_cast<uint32_t>(numbers_.size())};
-            if (node == kRoot && unit < kDirectUnits) firstChildren_[unit] = edge.child;
-            numbers_.push_back(kNone);
-        }
-        node = edge.child;
+        units_[LowByte(unit)] = true;
+        const uint32_t child = Child(node, unit);
+        node = child == kNone ? AddChild(node, unit) : child;
     }
-    numbers_[node] = number;
+    nodes_[node].number = number;
 }
 
 uint32_t NameTrie::Find(std::u16string_view name) const {
@@ -44,7 +56,7 @@ uint32_t NameTrie::Find(std::u16string_view name) const {
         node = Child(node, unit);
         if (node == kNone) return kNone;
     }
-    return numbers_[node];
+    return nodes_[node].number;
 }
 
 }  // namespace kinsort

@@ -27,27 +27,34 @@ class NameTrie {
     template <typename See>
     void ForEachOccurrence(std::u16string_view text, See&& see) const {
         for (size_t start = 0; start < text.size(); ++start) {
-            if (!IsMarked(firstUnits_, text[start])) continue;
+            if (!firstUnits_[LowByte(text[start])]) continue;
             uint32_t node = kRoot;
             for (size_t i = start; i < text.size(); ++i) {
                 node = Child(node, text[i]);
                 if (node == kNone) break;
-                if (numbers_[node] != kNone && !see(numbers_[node], start)) return;
+                const uint32_t number = nodes_[node].number;
+                if (number != kNone && !see(number, start)) return;
             }
         }
     }
 
     // True when the unit stands in some name; now and then also when it does not.
-    bool MayHold(char16_t unit) const { return IsMarked(units_, unit); }
+    bool MayHold(char16_t unit) const { return units_[LowByte(unit)]; }
 
   private:
     static constexpr uint32_t kRoot = 0;
     static constexpr size_t kDirectUnits = 128;
 
-    using LowBytes = std::array<uint64_t, 4>;  // a bit for the low byte of each unit of a set
-    static bool IsMarked(const LowBytes& set, char16_t unit) { return (set[unit >> 6 & 3] >> (unit & 63) & 1) != 0; }
-    static void Mark(LowBytes& set, char16_t unit) { set[unit >> 6 & 3] |= uint64_t{1} << (unit & 63); }
+    using LowBytes = std::array<bool, 256>;  // of the units of a set
+    static size_t LowByte(char16_t unit) { return unit & 0xFFu; }
 
+    // Most nodes have one child; the others of a node are edges.
+    struct Node {
+        uint32_t number = kNone;  // kNone where no name ends
+        uint32_t child = kNone;   // the first one, by `unit`
+        char16_t unit = 0;
+        bool hasEdges = false;
+    };
     // One edge of the tree, in an open-addressed table: from a node, by a unit, to a child.
     struct Edge {
         uint64_t key = 0;  // node and unit; 0 is a free place (no edge is keyed by the root and U+0000, see Key)
@@ -64,12 +71,16 @@ class NameTrie {
     }
     uint32_t Child(uint32_t node, char16_t unit) const {
         if (node == kRoot && unit < kDirectUnits) return firstChildren_[unit];
-        return edges_[PlaceOf(Key(node, unit))].child;
+        const Node& from = nodes_[node];
+        if (from.unit == unit && from.child != kNone) return from.child;
+        return from.hasEdges ? edges_[PlaceOf(Key(node, unit))].child : kNone;
     }
-    void Grow();
+    uint32_t AddChild(uint32_t node, char16_t unit);
+    void AddEdge(const Edge& edge);
 
-    std::vector<uint32_t> numbers_;                     // of each node, kNone where no name ends
-    std::vector<Edge> edges_;                           // a power of two of places, at most half of them taken
+    std::vector<Node> nodes_;
+    std::vector<Edge> edges_;  // a power of two of places, at most half of them taken
+    size_t edgeCount_ = 0;
     std::array<uint32_t, kDirectUnits> firstChildren_;  // of the root, once more, by unit
     LowBytes firstUnits_{};                             // of each name
     LowBytes units_{};                                  // of all names
