@@ -183,6 +183,8 @@ TEST_F(OperationWindowsTest, UndoIsOfferedInAWindowWhereNobodyShowsNotifications
     const UndoOffer offer = {.title = u"Sorted", .text = u"Into /" + std::u16string(4000, u'x'), .undo = u"&Undo"};
     windows.Expect([](QDialog& window) {
         EXPECT_TRUE(window.testAttribute(Qt::WA_ShowWithoutActivating));
+        for (const QPushButton* button : window.findChildren<QPushButton*>())
+            EXPECT_EQ(button->isDefault(), button->text() == QStringLiteral("&Close")) << "shown as what Enter presses";
         EXPECT_TRUE(window.screen()->availableGeometry().contains(window.frameGeometry()));
         ModalWindows::Press(window, QStringLiteral("Undo"));
     });
@@ -193,6 +195,8 @@ TEST_F(OperationWindowsTest, UndoIsOfferedInAWindowWhereNobodyShowsNotifications
     }
     windows.Expect([](QDialog&) {});
     EXPECT_FALSE(OfferUndoIn(offer, english, kShortMs)) << "it goes away by itself";
+    view.WithdrawOffer();
+    EXPECT_FALSE(view.OfferUndo(offer)) << "the session ends, so no window comes up";
 }
 
 TEST_F(OperationWindowsTest, WorkFromAnyThreadRunsHereInOrder) {

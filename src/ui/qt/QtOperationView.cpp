@@ -67,10 +67,11 @@ bool QtOperationView::OfferUndo(const UndoOffer& offer) {
         notification_.reset();
         if (answer) return *answer;
     }
-    return OfferUndoIn(offer, texts_, kOfferMs);
+    return !isWithdrawn_ && OfferUndoIn(offer, texts_, kOfferMs);
 }
 
 void QtOperationView::WithdrawOffer() {
+    isWithdrawn_ = true;
     if (notification_) notification_->Withdraw();
 }
 

@@ -33,7 +33,7 @@ class QtOperationView final : public OperationView {
     size_t AskButtons(const ButtonQuestion& question) override;
     size_t ShowSummary(const OperationSummary& summary) override;
     bool OfferUndo(const UndoOffer& offer) override;
-    // The session ends: takes away an offer that is no window.
+    // The session ends: takes away an offer that is no window, and makes none any more.
     void WithdrawOffer();
 
   private:
@@ -45,6 +45,7 @@ class QtOperationView final : public OperationView {
     bool isEnded_ = false;
     std::unique_ptr<ProgressWindow> progress_;
     std::optional<UndoNotification> notification_;
+    bool isWithdrawn_ = false;
 };
 
 }  // namespace kinsort

@@ -53,7 +53,7 @@ class QuestionDialog final : public QDialog {
         auto* const row = new QHBoxLayout;
         row->addStretch();
         for (size_t i = 0; i < labels.size(); ++i) {
-            auto* const button = new QPushButton(ToQString(labels[i]));
+            auto* const button = new QPushButton(ToQString(labels[i]), this);
             connect(button, &QPushButton::clicked, this, [this, i] { done(static_cast<int>(i)); });
             row->addWidget(button);
             if (i != defaultButton) continue;
