@@ -174,7 +174,7 @@ void OperationPresenter::OfferRecovery() {
     // Nothing was ever sorted where there is no journal folder, and none is to be left behind.
     if (!engine_ || !engine_->sys.OpenFolder(engine_->journalFolder).ok()) return;
     UndoHistory history(*engine_);
-    const Result<std::vector<BatchSummary>> batches = history.List();
+    const Result<std::vector<BatchSummary>> batches = history.ListUnfinished();
     if (!batches.ok()) return;  // the next batch meets the same failure and says so
     // Newest first: what a later batch did stands on what an earlier one did.
     for (const BatchSummary& batch : *batches) {
