@@ -5,36 +5,22 @@
 #include <string>
 #include <string_view>
 
+#include "framework/FolderWorld_test.h"
 #include "framework/LaunchBatch.h"
 #include "framework/Messages.h"
-#include "framework/Settings.h"
-#include "framework/VelFolders.h"
-#include "platform/fake/FakeEnvironment.h"
 #include "platform/fake/FakeLocaleMap.h"
-#include "platform/fake/FakeUserAccount.h"
 #include "platform/fake/ManualClock.h"
 #include "platform/fake/ManualSleeper.h"
-#include "platform/fake/MemoryFileSystem.h"
-#include "platform/fake/MemoryRegistry.h"
 #include "platform/fake/RecordingOpener.h"
 #include "platform/fake/RecordingWindowMessages.h"
 #include "platform/fake/ScriptedProcesses.h"
 #include "platform/fake/ScriptedUserInterface.h"
 #include "platform/linux/IcuCodePages.h"
-#include "platform/linux/LinuxPathCodec.h"
 #include "platform/linux/LinuxSystemInfo.h"
 #include "script/Script.h"
+#include "text/Utf16Bytes_test.h"
 
 namespace kinsort {
-
-inline std::string Utf16Bytes(std::u16string_view text) {
-    std::string bytes;
-    for (const char16_t unit : text) {
-        bytes += static_cast<char>(unit & 0xFF);
-        bytes += static_cast<char>(unit >> 8);
-    }
-    return bytes;
-}
 
 // What stands in for the world's own, where it is given.
 struct OtherServices {
@@ -46,19 +32,12 @@ struct OtherServices {
     const PathCodec* codec = nullptr;
 };
 
-struct ScriptWorld {
-    MemoryFileSystem files;
+struct ScriptWorld : FolderWorld {
     ScriptedUserInterface ui;
     RecordingWindowMessages windows;
     ScriptedProcesses processes;
     RecordingOpener opener;
-    FakeEnvironment environment;
-    std::unique_ptr<PathCodec> codec = MakeLinuxPathCodec("/nowhere/drives");
     std::unique_ptr<CodePages> codePages = MakeIcuCodePages();
-    MemoryRegistry registry;
-    Settings settings{registry, u"Kinsort"};
-    FakeUserAccount account;
-    VelFolders folders{{settings, files, account, environment, *codec}, u"C:\\V\\command\\Default\\Kinsort"};
     Messages messages{settings, folders, files, ui};
     ManualClock clock;
     ManualSleeper sleeper{clock};
