@@ -166,6 +166,10 @@ class CrashTest : public testing::Test {
             if (result.failed + result.notReached + result.skipped > 0)
                 return "recovery left items: " + Explain(result);
         }
+        for (const BatchSummary& summary : world_.List(disk)) {
+            if (wasTorn && !summary.canUndo && !summary.canRedo)
+                return "nothing can be done about a batch in the history";
+        }
         if (!Includes(ContentsOf(disk), contents)) return "content lost by the recovery";
         if (const std::string left = LeftOvers(disk); !left.empty()) return "left over: " + left;
         const std::string tree = TreeOf(disk);

@@ -78,6 +78,12 @@ class ChainWork {
 
     const BatchChain& chain() const { return *chain_; }
 
+    // Forgets the chain when nothing that it did stands: there is nothing to undo or redo any more.
+    Status ForgetIfVoid() {
+        if (chain_->CountStanding(BatchKind::kSort) + chain_->CountStanding(BatchKind::kUndo) > 0) return {};
+        return ForgetChain(services_.sys, store_, *chain_);
+    }
+
     BatchResult TurnBack(BatchKind kind, ProgressSink* progress, const CancelToken& cancel);
     BatchResult Finish(const LoadedBatch& torn, bool onlySettle, ProgressSink* progress, const CancelToken& cancel);
 
@@ -301,6 +307,7 @@ BatchResult UndoHistory::Recover(BatchId id, RecoverAction action, ProgressSink*
     if (work.chain().CountStanding(standing) == 0) {
         BatchResult nothing;  // nothing had been done, so nothing had to be taken back
         nothing.id = id;
+        nothing.status = work.ForgetIfVoid();
         return nothing;
     }
     return work.TurnBack(turnBack, progress, token);
