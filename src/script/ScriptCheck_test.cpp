@@ -195,11 +195,37 @@ exit
     EXPECT_THAT(Findings("Title=1\nvar Title\n"),
                 testing::ElementsAre(testing::Pair(1, "1 unknown-name: \"Title\" is declared only in line 2")));
     EXPECT_THAT(Findings("goto Set\nUse:\nTitle=1\nexit\nSet:\nvar Title\ngoto Use\n"), testing::IsEmpty());
-    // A variable that an included script may declare.
-    EXPECT_THAT(Findings("include=other.txt\nfarAway=1\ninclud=x\n"),
-                testing::ElementsAre(
-                    testing::Pair(3, "1 unknown-name: nothing is called \"includ\"; did you mean \"include\"?")));
     EXPECT_THAT(Findings(""), testing::IsEmpty());
+    // A variable that an included script may declare.
+    for (const std::string path : {"other.txt", "C:\\%X%a.txt", "C:\\?Name?", "C:\\arg.txt"}) {
+        EXPECT_THAT(Findings("var arg\ninclude=" + path + "\nfarAway=1\ninclud=x\n"),
+                    testing::ElementsAre(
+                        testing::Pair(4, "1 unknown-name: nothing is called \"includ\"; did you mean \"include\"?")))
+            << path;
+    }
+}
+
+TEST(ScriptCheck, FollowsIncludedScriptsOnce) {
+    MemoryFileSystem files;
+    const std::pair<std::u16string_view, std::u16string_view> scripts[] = {
+        {u"C:\\s\\main.ecs",
+         u"var count\nif 1 == 1\ninclude=?ScriptPath?lib\\one.ecs\nelse\ninclude=C:\\s\\two.ecs\nendif\n"
+         u"shared=1\nown:\nfarAway=1\n"},
+        {u"C:\\s\\lib\\one.ecs", u"var shared=1\ncount=1\nvar counter\ninclude=?ScriptPath?..\\main.ecs\ngoto own\n"},
+        {u"C:\\s\\two.ecs", u"var shared=2\ninclude=C:\\s\\LIB\\..\\lib\\one.ecs\n"},
+    };
+    for (const auto& [path, text] : scripts)
+        files.SetContent(path, Utf16Bytes(text));
+    const std::vector<ScriptFinding> findings = *CheckScript(files, u"C:\\s\\main.ecs");
+    std::vector<std::string> found;
+    for (const ScriptFinding& finding : findings)
+        found.push_back(ToUtf8(finding.file) + ":" + std::to_string(finding.line) + " " + ToUtf8(finding.message));
+    EXPECT_THAT(found,
+                testing::ElementsAre(
+                    "C:\\s\\main.ecs:9 nothing is called \"farAway\": the line does nothing",
+                    "C:\\s\\lib\\one.ecs:3 \"counter\" holds \"count\" of line 1 of main.ecs: names are filled in "
+                    "anywhere, so none may hold another",
+                    "C:\\s\\lib\\one.ecs:5 there is no label \"own\""));
 }
 
 TEST(ScriptCheck, TellsOfFilesThatAreNoScripts) {
