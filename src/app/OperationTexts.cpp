@@ -144,7 +144,6 @@ ConflictQuestion OperationTexts::Ask(const Conflict& conflict) {
 ButtonQuestion OperationTexts::AskFailure(std::u16string_view path, const Status& why) {
     return {.title = std::u16string(kProgramTitle),
             .instruction = messages_.GetMessageText(kMsgRetryQuestion, {Shown(path), StatusText(why)}),
-            .details = {},
             .buttons = {Text(kMsgRetry), Text(kMsgConflictSkip), Text(kMsgStopBatch)},
             .defaultButton = 0,
             .escapeButton = 2};
@@ -155,7 +154,6 @@ ButtonQuestion OperationTexts::AskRecovery(const BatchSummary& batch) {
     return {.title = std::u16string(kProgramTitle),
             .instruction = messages_.GetMessageText(batch.isUndoTorn ? kMsgUndoUnfinished : kMsgBatchUnfinished,
                                                     {Shown(batch.searchFolder), Moment(batch.startedNs)}),
-            .details = {},
             .buttons = {Text(kMsgRecoverFinish), Text(kMsgRecoverUndo), Text(kMsgRecoverLeave)},
             .defaultButton = 0,
             .escapeButton = 2};

@@ -47,7 +47,6 @@ struct ConflictQuestion {
 struct ButtonQuestion {
     std::u16string title;
     std::u16string instruction;
-    std::u16string details;               // smaller, below; may be empty
     std::vector<std::u16string> buttons;  // at least one
     size_t defaultButton = 0;             // pressed by Enter
     size_t escapeButton = 0;              // pressed by Esc and by closing the window

@@ -90,8 +90,7 @@ TEST_F(OperationWindowsTest, AQuestionKnowsItsDefaultAndItsEscape) {
     for (int i = 0; i < 1000; ++i)
         deep += u"/dir";
     const ButtonQuestion question = {.title = u"t",
-                                     .instruction = u"Interrupted.",
-                                     .details = deep,
+                                     .instruction = u"Interrupted: " + deep,
                                      .buttons = {u"Finish", u"Undo", u"Leave"},
                                      .defaultButton = 1,
                                      .escapeButton = 2};

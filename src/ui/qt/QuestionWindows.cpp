@@ -150,7 +150,6 @@ ConflictReply AskConflictIn(QWidget* owner, const ConflictQuestion& question) {
 size_t AskButtonsIn(QWidget* owner, const ButtonQuestion& question) {
     QuestionDialog dialog(owner, question.title);
     dialog.AddText(question.instruction);
-    if (!question.details.empty()) dialog.AddText(question.details);
     dialog.AddButtons(question.buttons, question.defaultButton, question.escapeButton);
     return dialog.Ask();
 }
