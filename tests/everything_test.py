@@ -16,19 +16,26 @@ HERE = os.path.dirname(os.path.abspath(__file__))
 WORDS = ("var if else endif for next do while continue break goto exit exitall eof debug updatestate icon fileclose "
          "removeselectitems").split()
 
-# Notes folder and arguments, and ends with the first of them. "exec" only ends when `meet` has met it.
+# Notes time, folder and arguments, and ends with the first of them. "exec" only ends when `meet` has met it.
 NOTE = """#!/bin/sh
-{ printf '%s' "${PWD#@TOP@}"; printf '|%s' "$@"; echo; } >>'@TOP@/log'
+{ printf '%s %s' "$(date +%s%N)" "${PWD#@TOP@}"; printf '|%s' "$@"; echo; } >>'@TOP@/log'
 [ "$1" != exec ] || echo >'@TOP@/meeting'
 [ "$1" = exec ] || exit "$1"
 """
+# Open for writing, too: the end of whom it met before is nothing to read.
 MEET = """#!/bin/sh
-read line <'@TOP@/meeting'
+read line <>'@TOP@/meeting'
 exit 4
 """
 OPEN = """#!/bin/sh
-printf '%s|opened|%s\\n' "${PWD#@TOP@}" "$1" >>'@TOP@/log'
+printf '0 %s|opened|%s\\n' "${PWD#@TOP@}" "$1" >>'@TOP@/log'
 echo >'@TOP@/meeting'
+"""
+# Stands in for the program that asks for an administrator's rights.
+ELEVATE = """#!/bin/sh
+printf '0 %s|elevated|%s|%s\\n' "${PWD#@TOP@}" "$1" "$2" >>'@TOP@/log'
+shift
+exec "$@"
 """
 # A program with a window, onto which items can be dropped.
 RECEIVER = """#!/bin/sh
@@ -56,12 +63,12 @@ GetExt .gz
 GetName in
 GetPath @IN@\in\
 RemoveLastSeparator @IN@\in
-Exist 0
 IsDirectory 1
+Exist 0
 IsFile 1
 random @IN@\in\first.txt
 detectcodepage 932
-detectcodepagejpn 932
+detectcodepagejpn 1200
 fileread あいうえ
 fileallread 短い
 GetClipboardText copied in @IN@
@@ -74,13 +81,13 @@ meet 4
 timeout 259
 item first.txt of 2
 item second.png of 2
-item new, one.doc of 2
+last new, one.doc
 kept first.txt
 kept second.png
 kept new, one.doc
 kept first.txt
 left new, one.doc
-loops 33
+loops 38
 """
 
 DATA = [
@@ -88,7 +95,7 @@ DATA = [
     (205, "open 2"), (800, "*.png"), (910, "inner"), (911, "?operation?"), (912, "1"), (1200, r"@IN@\sea.png"),
     (1234, "a,b"), (100, "@IN@"), (200, r"@IN@\in"), (300, "Z:\\"),
 ]
-NUMBERS = [(273, 40001, -1), (273, 40002, 33), (0x8008, 1, 0), (0x8008, 2, 3), (0x8009, 4, 5), (0x800A, 6, 7),
+NUMBERS = [(273, 40001, -1), (273, 40002, 38), (0x8008, 1, 0), (0x8008, 2, 3), (0x8009, 4, 5), (0x800A, 6, 7),
            (0x800B, 8, 9), (0x800C, 10, 11)]
 
 STARTED = [
@@ -96,22 +103,28 @@ STARTED = [
     "|exec|from|a|function",
     "|exec|from|a|statement",
     "/in|0|in|bootdir",
-    "/in|0|one|@TOP@/in/first.txt|of|first.txt",
-    "/in|0|one|@TOP@/second.png|of|second.png",
-    "|0|all|@TOP@/in/first.txt|@TOP@/second.png",
+    "/in|0|after|runwait",
+    "/in|0|after|wait",
+    "/in|elevated|--keep-cwd|note",
+    "/in|exec|with|more|rights",
+    "/in|exec|from|a|worker",
+    "/in|exec|without",
+    "/in|0|all|@TOP@/in/first.txt|@TOP@/second.png",
+    "|0|one|@TOP@/in/first.txt|of|first.txt",
+    "|0|one|@TOP@/second.png|of|second.png",
     "|0|later|first",
     "|opened|@TOP@/second.png",
 ]
 
 # What the terminal shows, and what is typed after it.
 CONVERSATION = [
+    ("This is the line that I do not understand.\nDo you want to continue?\n@LINE@:what is this [yes or no] ", "yes"),
     ("Vel: One, or [yes, no or cancel] ", "c"),
     ("Vel: Two\n", None),
     ("Vel: Three [yes or no] ", "n"),
     ("Vel: Four\nVel: Five\n", None),
     ("Vel: Six [yes or no] ", "maybe"),
     ("Please type yes or no: ", "y"),
-    ("This is the line that I do not understand.\nDo you want to continue?\n@LINE@:what is this [yes or no] ", "yes"),
     ("Timeout!\nAre you sure you want to kill the process? [yes or no] ", "y"),
     ("File is not open.\n", None),
     ("Syntax error!\npostmessagetab=1,2\n", None),
@@ -147,7 +160,10 @@ class EverythingTest(Workshop):
     def filled(self, text):
         return (text.replace("@TOP@", self.top).replace("@IN@", "Z:" + self.top.replace("/", "\\"))
                 .replace("@KINSORT@", os.path.abspath(KINSORT))
-                .replace("@LINE@", str(self.scripts["all.ecs"].index("what is this") + 1)))
+                .replace("@LINE@", str(self.line_of("what is this"))))
+
+    def line_of(self, text):
+        return self.scripts["all.ecs"].index(text) + 1
 
     def read(self, name):
         with open(os.path.join(self.top, name), "rb") as file:
@@ -169,7 +185,8 @@ class EverythingTest(Workshop):
 
     def test_everything_that_comes_of_it(self):
         tools = os.path.join(self.top, "tools")
-        for name, program in (("note", NOTE), ("meet", MEET), ("xdg-open", OPEN), ("receiver", RECEIVER)):
+        for name, program in (("note", NOTE), ("meet", MEET), ("xdg-open", OPEN), ("pkexec", ELEVATE),
+                              ("receiver", RECEIVER)):
             self.make_file(tools, name, self.filled(program).encode(), mode=0o755)
         self.environment["PATH"] = tools + ":" + self.environment["PATH"]
         self.environment["LC_ALL"] = "C.UTF-8"
@@ -185,7 +202,8 @@ class EverythingTest(Workshop):
 
         outer = os.path.join(self.top, "outer.ecs")
         doubts = self.run_json("script", "check", outer, os.path.join(self.top, "all.ecs"), code=1)
-        self.assertEqual([(row["line"], row["rule"]) for row in doubts], [(int(self.filled("@LINE@")), "unknown-line")])
+        self.assertEqual([(row["line"], row["rule"]) for row in doubts], [
+            (self.line_of("what is this"), "unknown-line"), (self.line_of("what is that"), "unknown-line")])
 
         drops = os.fdopen(os.open(os.path.join(self.top, "drops"), os.O_RDWR), "rb", buffering=0)
         self.addCleanup(drops.close)
@@ -211,7 +229,12 @@ class EverythingTest(Workshop):
         self.assertEqual(json.loads(drops.readline()), {"kind": "drop", "items": [
             {"path": os.path.join(self.top, "in/first.txt")}, {"path": os.path.join(self.top, "second.png")}]})
         self.assertEqual(self.read("narrow.txt"), b"first narrow line\r\nsecond\r\n")
-        self.assertEqual(self.read("log").decode().splitlines(), [self.filled(line) for line in STARTED])
+        log = [line.split(" ", 1) for line in self.read("log").decode().splitlines()]
+        self.assertEqual([text for _, text in log], [self.filled(line) for line in STARTED])
+        times = {text: int(time) for time, text in log}
+        for earlier, later in (("in|bootdir", "after|runwait"), ("after|runwait", "after|wait")):
+            pause = times["/in|0|" + later] - times["/in|0|" + earlier]
+            self.assertGreaterEqual(pause, 250_000_000, later)
         self.assertEqual([(row["value_name"], row["type"], row["value"]) for row in
                           self.run_json("settings", "list", r"Software\TEV_Soft\Vel\Main001\Test")],
                          [("Number", "dword", 32), ("Text", "string", "a, ?nowdir?")])
