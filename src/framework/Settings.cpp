@@ -4,10 +4,10 @@
 
 namespace kinsort {
 
-// The key is opened for reading and writing, which makes it; one that cannot be had reads as empty.
+// Reading makes the key, which only one without the value can lack.
 std::optional<RegistryValue> Settings::Read(std::u16string_view key, std::u16string_view name, size_t maxBytes) {
-    if (!registry_.CreateKey(key).ok()) return std::nullopt;
     Result<RegistryValue> value = registry_.QueryValue(key, name);
+    if (value.code() == StatusCode::kNotFound) (void)registry_.CreateKey(key);
     if (!value.ok() || value->data.size() > maxBytes) return std::nullopt;
     return std::move(*value);
 }

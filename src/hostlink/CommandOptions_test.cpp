@@ -17,12 +17,8 @@ TEST(CommandOptions, NewTableHoldsEveryDefault) {
     CommandOptions record;
     EXPECT_EQ(record.timeoutMs, 0) << "a new record knows no defaults";
     ReadOptions(table, record);
-    EXPECT_EQ(record.showWindow, 1);
     EXPECT_EQ(record.timeoutMs, -1);
-    EXPECT_EQ(record.exitLoopCount, 5);
     EXPECT_TRUE(record.shiftSilentMode);
-    EXPECT_FALSE(record.multiCommandMode);
-    EXPECT_FALSE(record.runAs);
     EXPECT_EQ(record.checkGrammar, u"0");
 }
 
