@@ -19,7 +19,8 @@ class ScriptCheckReportTest : public testing::Test, protected CliFixture {
 
 TEST_F(ScriptCheckReportTest, MarksWhatIsMeantUnderTheLine) {
     AddScript(u"Z:\\good.txt", u"var x1\nx1=1\n");
-    AddScript(u"Z:\\bad.txt", u"if 1 == 1\n\t漢字 cuont=1\u001B[1m\nendif\nelse\n");
+    AddScript(u"Z:\\bad.txt", u"if 1 == 1\n\t漢字 cuont=1\u001B[1m\nendif\nelse\ninclude=?ScriptPath?lib\\a b\n");
+    AddScript(u"Z:\\lib\\a b", u"next\n");
     EXPECT_EQ(Run({"script", "check", "/good.txt"}), 0);
     EXPECT_EQ(terminal.output, "");
     EXPECT_EQ(Run({"script", "check", "/good.txt", "/bad.txt"}), 1);
@@ -29,6 +30,9 @@ TEST_F(ScriptCheckReportTest, MarksWhatIsMeantUnderTheLine) {
               "     ^~~~~~~~~~\n"
               "/bad.txt:4:1: \"else\" without \"if\"\n"
               "    else\n"
+              "    ^~~~\n"
+              "/lib/a b:1:1: \"next\" without \"for\"\n"
+              "    next\n"
               "    ^~~~\n");
     EXPECT_EQ(terminal.messages, "");
 }
