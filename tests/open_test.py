@@ -4,30 +4,32 @@ import json
 import os
 import shutil
 import subprocess
+import sys
 import unittest
 
 from workshop import HOST_VARIABLE, KINSORT, Workshop
 
 # Writes down what it was started with, then marks the block as read, as the dialog does. Waits for the pipes that the
 # test has made, before it reads and before it ends.
-STAND_IN = r"""#!/usr/bin/env python3
+STAND_IN = f"#!{sys.executable}" + r"""
 import json, os, sys
 report = {"arguments": sys.argv[1:], "descriptor": os.environ["VEL_ExCommand"]}
 pipe = os.environ.get("STAND_IN_PIPES")
 if pipe: open(pipe + ".read").read()
 fields = report["descriptor"].split(":")
+path = os.path.join(os.environ["XDG_RUNTIME_DIR"], "vel", f"ShareMem_{fields[2]}_{fields[3]}")
 if fields[8] == "Share":
-    path = os.path.join(os.environ["XDG_RUNTIME_DIR"], "vel", f"ShareMem_{fields[2]}_{fields[3]}")
     report["mode"] = os.stat(path).st_mode & 0o777
-    with open(path, "r+b") as block:
+    with open(path, "rb") as block:
         data = block.read()
-        report["size"] = len(data) == int(fields[4])
-        text = data.decode("utf-16-le", "surrogatepass").split("\0")[0]
-        report["fields"] = text.split("\t")
-        block.seek(0)
-        block.write(text.replace("\t", "\0").encode("utf-16-le", "surrogatepass"))
+    report["size"] = len(data) == int(fields[4])
+    text = data.decode("utf-16-le", "surrogatepass").split("\0")[0]
+    report["fields"] = text.split("\t")
 with open(os.environ["STAND_IN_REPORT"], "w", encoding="utf-8", errors="surrogatepass") as out:
     json.dump(report, out)
+if fields[8] == "Share":
+    with open(path, "r+b") as block:
+        block.write(text.replace("\t", "\0").encode("utf-16-le", "surrogatepass"))
 if pipe: open(pipe + ".end").read()
 print("a word on standard output")
 sys.exit(7)
@@ -71,7 +73,7 @@ class Open(Workshop):
         self.make_folders("first", "second tab")
         self.make_file(self.source, "a b.txt")
         odd = self.make_file(self.source, b"\xff\t\xe6\x97\xa5")
-        many = [self.make_file(self.source, f"file{i:04}").decode() for i in range(3000)]
+        many = [self.make_file(self.source, "one of many").decode()] * 3000
         tabs = [os.path.join(self.target, name) for name in ("first", "second tab")]
         said = self.open("/2M", "--to", self.target, "--other-tab", tabs[0], "--other-tab=" + tabs[1],
                          "file://" + self.source + "/a%20b.txt", "source/", odd, "-f", "-",
