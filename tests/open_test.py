@@ -143,21 +143,23 @@ class Open(Workshop):
         self.open()
         self.assertEqual(self.language(), ".ja-JP")
 
-    def test_no_wait_keeps_the_block_until_it_was_read(self):
+    def test_who_does_not_wait_keeps_the_block_until_it_was_read(self):
         pipes = self.environment["STAND_IN_PIPES"] = os.path.join(self.top, "pipe")
         for end in (".read", ".end"):
             os.mkfifo(pipes + end)
         item = self.make_file(self.source, "here")
-        opening = subprocess.Popen([self.kinsort, "open", "--no-wait", item], env=self.environment, cwd=self.top,
-                                   stderr=subprocess.DEVNULL)
-        with open(pipes + ".read", "w"):  # opens when the stand-in waits on its end
-            self.assertIsNone(opening.poll())
-            self.assertTrue(os.listdir(self.blocks))
-        self.assertEqual(opening.wait(60), 0)
-        self.assertEqual(os.listdir(self.blocks), [])
-        self.assertEqual(self.reported()["fields"][4], self.inner(os.fsdecode(item)))
-        with open(pipes + ".end", "w"):
-            pass
+        for is_waiting in (False, True):
+            opening = subprocess.Popen([self.kinsort, "open", *([] if is_waiting else ["--no-wait"]), item],
+                                       env=self.environment, cwd=self.top, stderr=subprocess.DEVNULL)
+            with open(pipes + ".read", "w"):  # opens when the stand-in waits on its end
+                self.assertIsNone(opening.poll())
+                self.assertTrue(os.listdir(self.blocks))
+            with open(pipes + ".end", "w"):
+                if is_waiting:
+                    opening.terminate()  # which says that it need not wait any more
+                self.assertEqual(opening.wait(60), 0)
+            self.assertEqual(os.listdir(self.blocks), [])
+            self.assertEqual(self.reported()["fields"][4], self.inner(os.fsdecode(item)))
 
 
 if __name__ == "__main__":

@@ -104,14 +104,14 @@ int StartDialog(CliContext& context, const CommandLine& line, const HostHandOff&
         {std::u16string(kLaunchDescriptorVariable), written ? written->descriptor : FormatLaunchDescriptor({})}};
     const Result<std::unique_ptr<Process>> process = host.processes.Start(request);
     if (!process.ok()) return static_cast<int>(FailToStart(context, process.status()));
-    constexpr int32_t kLookEveryMs = 20;
+    const int32_t lookEveryMs = isWaiting ? 500 : 20;
     bool hasEnded = false;
-    if (isWaiting) {
-        hasEnded = (*process)->Wait(kWaitForever);
-    } else {
-        while (written && !IsRead(written->shared) && !hasEnded && !context.cancel.isCancelled())
-            hasEnded = (*process)->Wait(kLookEveryMs);
-    }
+    while (!hasEnded && !context.cancel.isCancelled() && (isWaiting || (written && !IsRead(written->shared))))
+        hasEnded = (*process)->Wait(lookEveryMs);
+    // Ctrl-C ends the dialog as well, which takes its time. Whoever ends this program alone leaves the dialog to
+    // itself.
+    constexpr int32_t kPatienceMs = 1000;
+    if (isWaiting && !hasEnded) hasEnded = (*process)->Wait(kPatienceMs);
     return hasEnded ? static_cast<int>((*process)->ExitCode()) : 0;
 }
 
