@@ -133,10 +133,6 @@ class CaseRunner final : public ScriptObserver {
         FinishLine();
         line_ = line.number;
         target_ = line.target;
-        if (line.kind == LineKind::kVar) {
-            const std::u16string_view declared = line.statement.substr(3);
-            target_ = Trim(declared.substr(0, declared.find(u'=')));
-        }
         const IndexedName name = SplitIndexedName(target_);
         if (name.isIndexed())
             target_ = FormatIndexedName(name.base, ExpandLine(name.index, run.scope, Trimming::kTrim).value_or(u"?"));
