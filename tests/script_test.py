@@ -56,6 +56,9 @@ class Script(Workshop):
         self.run_script("messageboxyn=Go on?", options=["--no"], code=1)
         self.assertEqual(self.run_kinsort("script", "run", "no.ecs", code=3).messages,
                          "kinsort: script: no.ecs: it does not exist; check the name and the folder\n")
+        self.make_file(self.top, "utf8.ecs", b"messagebox=0,Hello!\n")
+        self.assertIn("script: utf8.ecs: the file is not in UTF-16",
+                      self.run_kinsort("script", "run", "utf8.ecs").messages)
 
     def test_bad_command_lines_say_what_is_wrong(self):
         script = self.write("exit")

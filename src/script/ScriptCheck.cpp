@@ -21,15 +21,6 @@
 namespace kinsort {
 namespace {
 
-// True for text of one byte a character that was read with two: nearly every unit is two ASCII characters.
-bool LooksLikeBytes(std::u16string_view text) {
-    const auto isAscii = [](unsigned byte) { return (byte >= 0x20 && byte < 0x7F) || byte == '\r' || byte == '\n'; };
-    size_t pairs = 0;
-    for (const char16_t unit : text)
-        pairs += isAscii(unit & 0xFFu) && isAscii(unit >> 8) ? 1 : 0;
-    return text.size() >= 4 && pairs * 10 > text.size() * 9;
-}
-
 void CollectLabel(const ScriptLine& line, bool isBehindEnd, CheckedScript& script, FindingList& findings) {
     const std::u16string name = LabelName(line.statement);
     if (name.empty() || line.statement.starts_with(u"//")) return;
@@ -111,13 +102,7 @@ bool ScriptChecker::CheckFile(std::u16string_view path, bool isInIf) {
     if (file.Open(path) == 0) return false;
     FindingList& findings = findings_.emplace_back(path);
     if (LooksLikeBytes(file.GetText())) {
-        findings.Add({1,
-                      1,
-                      0,
-                      "encoding",
-                      u"the file is not in UTF-16, which scripts are read as; encode it: iconv -f UTF-8 -t UTF-16",
-                      {},
-                      {}});
+        findings.Add({1, 1, 0, "encoding", std::u16string(kEncodingText), {}, {}});
         return true;
     }
     const CheckedScript script = ReadLines(file, findings);
@@ -157,6 +142,14 @@ std::vector<ScriptFinding> ScriptChecker::Take() {
 }
 
 }  // namespace
+
+bool LooksLikeBytes(std::u16string_view text) {
+    const auto isAscii = [](unsigned byte) { return (byte >= 0x20 && byte < 0x7F) || byte == '\r' || byte == '\n'; };
+    size_t pairs = 0;
+    for (const char16_t unit : text)
+        pairs += isAscii(unit & 0xFFu) && isAscii(unit >> 8) ? 1 : 0;
+    return text.size() >= 4 && pairs * 10 > text.size() * 9;
+}
 
 std::optional<std::vector<ScriptFinding>> CheckScript(FileSystem& files, std::u16string_view path) {
     ScriptChecker checker(files);

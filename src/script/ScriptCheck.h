@@ -24,4 +24,10 @@ constexpr size_t kMaxFindings = 1000;
 // one file, the first that were found and one that says so. Nothing when the script itself cannot be read.
 std::optional<std::vector<ScriptFinding>> CheckScript(FileSystem& files, std::u16string_view path);
 
+// True for text of one byte a character that was read with two: nearly every unit is two ASCII characters.
+bool LooksLikeBytes(std::u16string_view text);
+// What is said of it.
+constexpr std::u16string_view kEncodingText =
+    u"the file is not in UTF-16, which scripts are read as; encode it: iconv -f UTF-8 -t UTF-16";
+
 }  // namespace kinsort

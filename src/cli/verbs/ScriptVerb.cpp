@@ -10,8 +10,10 @@
 #include "cli/ShownText.h"
 #include "cli/Texts.h"
 #include "framework/Paths.h"
+#include "framework/TextFile.h"
 #include "script/ReportedServices.h"
 #include "script/Script.h"
+#include "script/ScriptCheck.h"
 #include "script/VariableTable.h"
 #include "text/Utf8.h"
 
@@ -92,6 +94,8 @@ ExitCode RunFile(CliContext& context, const CommandLine& line) {
     }
     std::optional<ScriptArguments> arguments = ReadArguments(context, line);
     if (!arguments) return ExitCode::kUsage;
+    if (CTextFile file(context.services.files); file.Open(*script) != 0 && LooksLikeBytes(file.GetText()))
+        context.console.Say("script: " + ShownText(line.operands[1]) + ": " + ToUtf8(kEncodingText));
     const ScriptBackend& backend = context.services.script();
     HostServices& host = context.services.host();
     ConsoleUserInterface ui(context, PolicyOf(line));
