@@ -50,7 +50,7 @@ _kinsort() {
         [[ $current == -* ]] && operands=(-W "$options")
         ;;
     esac
-    [[ ${operands[0]} == -[df] ]] && compopt -o filenames
+    [[ ${operands[0]-} == -[df] ]] && compopt -o filenames
     ((${#operands[@]})) && mapfile -t COMPREPLY < <(compgen "${operands[@]}" -- "$current")
 }
 complete -F _kinsort kinsort

@@ -150,7 +150,7 @@ std::string BashScript() {
            "        [[ $current == -* ]] && operands=(-W \"$options\")\n"
            "        ;;\n"
            "    esac\n"
-           "    [[ ${operands[0]} == -[df] ]] && compopt -o filenames\n"
+           "    [[ ${operands[0]-} == -[df] ]] && compopt -o filenames\n"
            "    ((${#operands[@]})) && mapfile -t COMPREPLY < <(compgen \"${operands[@]}\" -- \"$current\")\n"
            "}\ncomplete -F _kinsort kinsort\n";
 }
