@@ -166,23 +166,21 @@ TEST_F(ComplementComboBoxTest, KeysOfAnOpenListStepChooseAndLeave) {
     EXPECT_EQ(view.text, u"/home/me/epic/");
     EXPECT_TRUE(view.IsCaretAtEnd());
 
-    Complete(u"/home/me/pi");
-    Press(Plain(BoxKey::kUp));
-    EXPECT_EQ(view.selected, 2u) << "up from nothing is the last";
-    EXPECT_TRUE(Press(Plain(BoxKey::kEscape)));
-    EXPECT_FALSE(view.isOpen);
-    EXPECT_EQ(view.text, u"/home/me/pi") << "Esc brings the text back";
-
-    Complete(u"/home/me/pi");
-    EXPECT_TRUE(Press(Plain(BoxKey::kEnter)));
-    EXPECT_FALSE(view.isOpen);
-    EXPECT_EQ(view.text, u"/home/me/pi") << "nothing was selected";
-
-    Complete(u"/home/me/pi");
-    ASSERT_TRUE(view.isOpen);
-    view.Type(u"/home/me/pix");
-    EXPECT_FALSE(view.isOpen) << "it no longer fits";
-    EXPECT_EQ(view.text, u"/home/me/pix");
+    const auto left = [this](const std::function<void()>& how) {
+        Complete(u"/home/me/pi");
+        EXPECT_TRUE(view.isOpen);
+        how();
+        EXPECT_FALSE(view.isOpen);
+        return view.text;
+    };
+    const auto byEscape = [this] {
+        Press(Plain(BoxKey::kUp));
+        EXPECT_EQ(view.selected, 2u) << "up from nothing is the last";
+        EXPECT_TRUE(Press(Plain(BoxKey::kEscape)));
+    };
+    EXPECT_EQ(left(byEscape), u"/home/me/pi") << "Esc brings the text back";
+    EXPECT_EQ(left([this] { EXPECT_TRUE(Press(Plain(BoxKey::kEnter))); }), u"/home/me/pi") << "nothing was selected";
+    EXPECT_EQ(left([this] { view.Type(u"/home/me/pix"); }), u"/home/me/pix") << "it no longer fits";
 }
 
 TEST_F(ComplementComboBoxTest, KeysOfAClosedListEditTheText) {
