@@ -18,7 +18,7 @@
 
 #include "classify/ClassificationPlan.h"
 #include "controls/CmdListView.h"
-#include "controls/WorkerThreads.h"
+#include "framework/WorkerThreads.h"
 #include "platform/Clock.h"
 #include "platform/FileSystem.h"
 #include "platform/Icons.h"

@@ -23,7 +23,7 @@
 
 #include "controls/FolderText.h"
 #include "controls/HistoryComboView.h"
-#include "controls/WorkerThreads.h"
+#include "framework/WorkerThreads.h"
 #include "platform/FileSystem.h"
 #include "platform/WindowHandle.h"
 

@@ -1,18 +1,10 @@
 #include "framework/LaunchBatch.h"
 
-#include <atomic>
-#include <chrono>
-#include <condition_variable>
-#include <mutex>
-#include <system_error>
-#include <thread>
 #include <utility>
 
 namespace kinsort {
 
 namespace {
-
-constexpr std::chrono::milliseconds kFarewell{2000};
 
 // The modes that go through the desktop on the calling thread.
 struct DesktopMode {
@@ -52,66 +44,25 @@ void LaunchEachWaited(ProcessContext& context, const LaunchBatch& batch) {
 
 }  // namespace
 
-// A thread and what it works on, which is its own: `context` is a copy that asks nobody whether to stop.
-struct LaunchWorkers::Worker {
-    Worker(const ProcessContext& theContext, std::vector<LaunchItem> theItems)
-        : context(theContext), items(std::move(theItems)) {
-        context.isCancelled = nullptr;
-    }
-    ~Worker() {
-        stopping = true;
-        if (thread.joinable()) thread.join();
-    }
-    Worker(const Worker&) = delete;
-    Worker& operator=(const Worker&) = delete;
-
-    void Begin() {
-        try {
-            thread = std::thread([this] { Run(); });
-        } catch (const std::system_error&) {
-            Run();  // the system has no thread left for us
-        }
-    }
-    void Run() {
+// What the thread works on is its own. It asks nobody but its owner whether to stop, and has no main window that what
+// is opened could belong to.
+void LaunchWorkers::Launch(const ProcessContext& context, std::vector<LaunchItem> items) {
+    ProcessContext own = context;
+    own.isCancelled = nullptr;
+    auto launchAll = [own, items = std::move(items)](const std::function<bool()>& isStopped) mutable {
         for (const LaunchItem& item : items) {
-            if (stopping) break;
-            // A thread of its own has no main window that could own what is opened.
-            ShellLaunch(context, kNoWindow,
+            if (isStopped()) return;
+            ShellLaunch(own, kNoWindow,
                         {.file = item.program,
                          .arguments = item.arguments,
                          .startFolder = item.startFolder,
                          .showState = item.showState});
         }
-        const std::lock_guard lock(mutex);
-        hasEnded = true;
-        ended.notify_all();
-    }
-    bool WaitUntil(std::chrono::steady_clock::time_point moment) {
-        std::unique_lock lock(mutex);
-        return ended.wait_until(lock, moment, [this] { return hasEnded; });
-    }
-
-    ProcessContext context;
-    const std::vector<LaunchItem> items;
-    std::atomic<bool> stopping = false;
-    std::mutex mutex;
-    std::condition_variable ended;
-    bool hasEnded = false;  // under mutex
-    std::thread thread;
-};
-
-LaunchWorkers::LaunchWorkers() = default;
-
-LaunchWorkers::~LaunchWorkers() {
-    const auto moment = std::chrono::steady_clock::now() + kFarewell;
-    for (const std::unique_ptr<Worker>& worker : workers_)
-        worker->WaitUntil(moment);
-}
-
-void LaunchWorkers::Launch(const ProcessContext& context, std::vector<LaunchItem> items) {
-    std::erase_if(workers_, [](const auto& worker) { return worker->WaitUntil({}); });
-    workers_.push_back(std::make_unique<Worker>(context, std::move(items)));
-    workers_.back()->Begin();
+    };
+    const auto work = [launchAll](const WorkerThreads::Link& link) mutable {
+        launchAll([&link] { return link.IsStopped(); });
+    };
+    if (!threads_.Start(work)) launchAll([] { return false; });  // the system has no thread left for us
 }
 
 void AddLaunchItem(LaunchBatch& batch, int32_t mode, std::u16string_view program, std::u16string_view arguments,

@@ -6,14 +6,15 @@
 //     RunLaunchBatch(context, pause, workers, batch);
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <functional>
-#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "framework/Processes.h"
+#include "framework/WorkerThreads.h"
 
 namespace kinsort {
 
@@ -41,21 +42,22 @@ struct LaunchBatch {
     std::vector<LaunchItem> items;
 };
 
-// The threads of kLaunchOnWorker. Goes before everything that a launch works with.
+// The threads of kLaunchOnWorker. Goes before everything that a launch works with, unless a thread is left behind: see
+// framework/WorkerThreads.h.
 class LaunchWorkers {
   public:
-    LaunchWorkers();
+    explicit LaunchWorkers(std::chrono::milliseconds patience = std::chrono::seconds(2)) : patience_(patience) {}
     LaunchWorkers(const LaunchWorkers&) = delete;
     LaunchWorkers& operator=(const LaunchWorkers&) = delete;
-    // Waits for the threads, but not long: items that have not been started within a second or two never are.
-    ~LaunchWorkers();
+    // Items that have not been started when patience is over never are.
+    ~LaunchWorkers() { threads_.WaitForAll(patience_); }
 
     // From the thread that owns this.
     void Launch(const ProcessContext& context, std::vector<LaunchItem> items);
 
   private:
-    struct Worker;
-    std::vector<std::unique_ptr<Worker>> workers_;
+    const std::chrono::milliseconds patience_;
+    WorkerThreads threads_{nullptr, SIZE_MAX};
 };
 
 // Appends an item. The batch has the mode of the last one.

@@ -1,6 +1,7 @@
 #include "framework/LaunchBatch.h"
 
 #include <semaphore>
+#include <thread>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -21,13 +22,19 @@ using testing::IsEmpty;
 class GatedOpener final : public DesktopOpener {
   public:
     std::vector<OpenRequest> opened;
+    std::counting_semaphore<> asked{0};
     std::counting_semaphore<> gate{1'000};
     std::u16string missing;  // fails
 
     Status Open(const OpenRequest& request) override {
+        asked.release();
         gate.acquire();
         opened.push_back(request);
         return request.file == missing ? Status::Failure(StatusCode::kNotFound) : Status();
+    }
+    void CloseGate() {
+        while (gate.try_acquire()) {
+        }
     }
 };
 
@@ -176,9 +183,7 @@ TEST_F(LaunchBatchTest, WhoGivesUpStartsNothingFurther) {
 }
 
 TEST_F(LaunchBatchTest, TheWorkerHasItsOwnCopyAndIsWaitedFor) {
-    opener_.gate.acquire();
-    while (opener_.gate.try_acquire()) {
-    }
+    opener_.CloseGate();
     {
         LaunchWorkers workers;
         LaunchBatch batch = ThreeItems(kLaunchOnWorker, 1);
@@ -193,6 +198,21 @@ TEST_F(LaunchBatchTest, TheWorkerHasItsOwnCopyAndIsWaitedFor) {
     }
     EXPECT_EQ(opener_.opened[0].showState, 3);
     EXPECT_EQ(opener_.opened[0].startFolder, u"Z:\\x");
+}
+
+TEST_F(LaunchBatchTest, AWorkerThatHangsIsLeftBehindAndStartsNothingFurther) {
+    opener_.CloseGate();
+    {
+        LaunchWorkers workers(std::chrono::milliseconds(0));
+        LaunchBatch batch = ThreeItems(kLaunchOnWorker, 0);
+        Run(batch, workers);
+        opener_.asked.acquire();
+    }
+    EXPECT_EQ(WorkerThreads::LeftBehind(), 1u);
+    opener_.gate.release(1'000);
+    while (WorkerThreads::LeftBehind() > 0)
+        std::this_thread::yield();
+    EXPECT_THAT(Opened(), ElementsAre(u"one"));
 }
 
 }  // namespace

@@ -1,4 +1,4 @@
-#include "controls/WorkerThreads.h"
+#include "framework/WorkerThreads.h"
 
 #include <atomic>
 #include <condition_variable>
