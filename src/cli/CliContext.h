@@ -35,8 +35,7 @@ struct CliServices {
     // The items that the host selected, inner form; nothing when no host started the program.
     std::function<std::optional<std::vector<std::u16string>>()> handedOverItems;
     std::function<HostServices&()> host;
-    // What scripts need besides.
-    std::function<const ScriptBackend&()> script;
+    const ScriptBackend& script;
     std::string journalFolder = {};  // of the undo journal, stored path; empty when there is no place for it
 };
 

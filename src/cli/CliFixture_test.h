@@ -82,10 +82,9 @@ struct CliFixture {
     RecordingWindowMessages windows;
     std::unique_ptr<CodePages> codePages = MakeIcuCodePages();
     std::unique_ptr<SystemInfo> system = MakeLinuxSystemInfo();
-    std::unique_ptr<LocaleMap> locale = MakeIcuLocaleMap();
     ManualSleeper sleeper{clock};
     RecordingFileManager fileManager;
-    ScriptBackend scripts{processes, opener, windows, variables, *codePages, *system, *locale, sleeper, fileManager};
+    ScriptBackend scripts{processes, opener, windows, variables, *codePages, *system, sleeper, fileManager};
     HostServices host{registry, settings, folders, sharedMemory, processes, "/usr/bin/kinsort"};
     CliServices services{files,
                          *codec,
@@ -96,7 +95,7 @@ struct CliFixture {
                          MakeIcuLocaleMap,
                          [this] { return handedOver; },
                          [this]() -> HostServices& { return host; },
-                         [this]() -> const ScriptBackend& { return scripts; }};
+                         scripts};
 };
 
 }  // namespace kinsort

@@ -1,4 +1,4 @@
-// What a script needs of the platform besides what every verb has.
+// What scripts, and the host that they talk to, need of the platform besides what every verb has.
 #pragma once
 
 #include "framework/LaunchBatch.h"
@@ -7,7 +7,6 @@
 #include "platform/DesktopOpener.h"
 #include "platform/Environment.h"
 #include "platform/FileManager.h"
-#include "platform/LocaleMap.h"
 #include "platform/Processes.h"
 #include "platform/Sleeper.h"
 #include "platform/SystemInfo.h"
@@ -23,7 +22,6 @@ struct ScriptBackend {
     const Environment& environment;
     const CodePages& codePages;
     const SystemInfo& system;
-    const LocaleMap& locale;
     Sleeper& sleeper;
     FileManager& fileManager;  // of the user
 };

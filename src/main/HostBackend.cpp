@@ -2,15 +2,12 @@
 
 #include <string>
 
-#include "platform/linux/LinuxProcesses.h"
 #include "platform/linux/LinuxUserAccount.h"
 #include "platform/linux/SqliteRegistry.h"
 #include "platform/linux/UserFolders.h"
 
 namespace kinsort {
 namespace {
-
-constexpr std::u16string_view kCommandName = u"Kinsort";
 
 ReportRegistryDamage TellOn(const PathCodec& codec, Terminal& terminal) {
     return [&codec, &terminal](const RegistryDamage& damage) {
@@ -24,13 +21,11 @@ ReportRegistryDamage TellOn(const PathCodec& codec, Terminal& terminal) {
 
 }  // namespace
 
-HostBackend::HostBackend(const PathCodec& codec, FileSystem& files, Terminal& terminal)
-    : registry_(MakeSqliteRegistry(RegistryFileOfThisUser(), codec, TellOn(codec, terminal))),
-      account_(MakeLinuxUserAccount(codec)),
-      processes_(MakeLinuxProcesses(codec, files)),
+HostBackend::HostBackend(LinuxPlatform& platform, Terminal& terminal)
+    : registry_(MakeSqliteRegistry(RegistryFileOfThisUser(), *platform.codec, TellOn(*platform.codec, terminal))),
       settings_(*registry_, kCommandName),
-      folders_({settings_, files, *account_, environment_, codec},
-               FindCommandProgram(files, codec.PathToInner(ExecutableFile()), kCommandName)),
-      services_{*registry_, settings_, folders_, memory_, *processes_, ExecutableFile()} {}
+      folders_({settings_, *platform.files, *platform.account, platform.environment, *platform.codec},
+               FindCommandProgram(*platform.files, platform.codec->PathToInner(ExecutableFile()), kCommandName)),
+      services_{*registry_, settings_, folders_, platform.memory, *platform.processes, ExecutableFile()} {}
 
 }  // namespace kinsort

@@ -1,18 +1,15 @@
 // The command line program: wires the Linux backend to it.
 #include <clocale>
 #include <cstdlib>
-#include <memory>
+#include <optional>
 
 #include "cli/CliContext.h"
+#include "cli/ScriptBackend.h"
+#include "framework/WorkerThreads.h"
 #include "hostlink/HostHandOff.h"
 #include "main/HostBackend.h"
-#include "main/ScriptPlatform.h"
+#include "main/LinuxPlatform.h"
 #include "platform/linux/IcuLocaleMap.h"
-#include "platform/linux/LinuxClock.h"
-#include "platform/linux/LinuxEnvironment.h"
-#include "platform/linux/LinuxFileSystem.h"
-#include "platform/linux/LinuxPathCodec.h"
-#include "platform/linux/LinuxSharedMemory.h"
 #include "platform/linux/LinuxSys.h"
 #include "platform/linux/LinuxTerminal.h"
 #include "platform/linux/UserFolders.h"
@@ -21,15 +18,14 @@
 namespace {
 
 // What the host selected, when a host started the program.
-std::optional<std::vector<std::u16string>> ReadHandedOverItems(kinsort::Terminal& terminal) {
-    const kinsort::LinuxEnvironment environment;
-    kinsort::LinuxSharedMemory memory;
+std::optional<std::vector<std::u16string>> ReadHandedOverItems(kinsort::LinuxPlatform& platform,
+                                                               kinsort::Terminal& terminal) {
     kinsort::HostHandOff handOff;
     const auto show = [&terminal](const std::u16string& text) {
         (void)terminal.Write(kinsort::Stream::kMessages,
                              "kinsort: the selection of the file manager: " + kinsort::ToUtf8(text) + "\n");
     };
-    kinsort::ReadHostHandOff(environment, memory, show, handOff);
+    kinsort::ReadHostHandOff(platform.environment, platform.memory, show, handOff);
     if (handOff.SharedHandOff != 1) return std::nullopt;
     return std::move(handOff.SelectedItems);
 }
@@ -42,21 +38,23 @@ int main(int argc, char** argv) {
     std::setlocale(LC_TIME, "");  // names of weekdays in scripts
     kinsort::PrepareLinuxProcess();
     const auto terminal = kinsort::MakeLinuxTerminal();
-    const auto codec = kinsort::MakeLinuxPathCodec(kinsort::DrivesFolderOfThisUser());
-    const auto files = kinsort::MakeLinuxFileSystem(*codec);
-    const auto sys = kinsort::MakeLinuxSys();
-    const auto clock = kinsort::MakeLinuxClock();
-    std::unique_ptr<kinsort::HostBackend> host;
-    const auto hostServices = [&]() -> kinsort::HostServices& {
-        if (!host) host = std::make_unique<kinsort::HostBackend>(*codec, *files, *terminal);
-        return host->Services();
+    kinsort::LinuxPlatform platform;
+    std::optional<kinsort::HostBackend> host;
+    const kinsort::ScriptBackend scripts{
+        .processes = *platform.processes,
+        .opener = *platform.opener,
+        .windows = *platform.windows,
+        .environment = platform.environment,
+        .codePages = *platform.codePages,
+        .system = *platform.system,
+        .sleeper = platform.sleeper,
+        .fileManager = *platform.fileManager,
     };
-    std::unique_ptr<kinsort::ScriptPlatform> scripts;
     kinsort::CliServices services{
-        .files = *files,
-        .codec = *codec,
-        .sys = *sys,
-        .clock = *clock,
+        .files = *platform.files,
+        .codec = *platform.codec,
+        .sys = *platform.sys,
+        .clock = *platform.clock,
         .terminal = *terminal,
         .environment =
             [](const char* name) {
@@ -64,13 +62,16 @@ int main(int argc, char** argv) {
                 return std::string(value == nullptr ? "" : value);
             },
         .makeLocaleMap = kinsort::MakeIcuLocaleMap,
-        .handedOverItems = [&terminal] { return ReadHandedOverItems(*terminal); },
-        .host = hostServices,
-        .script = [&]() -> const kinsort::ScriptBackend& {
-            if (!scripts) scripts = std::make_unique<kinsort::ScriptPlatform>(*codec, *files, hostServices());
-            return scripts->Backend();
+        .handedOverItems = [&] { return ReadHandedOverItems(platform, *terminal); },
+        .host = [&]() -> kinsort::HostServices& {
+            if (!host) host.emplace(platform, *terminal);
+            return host->Services();
         },
+        .script = scripts,
         .journalFolder = kinsort::JournalFolderOfThisUser(),
     };
-    return kinsort::RunKinsort(services, std::vector<std::string>(argv + (argc > 0 ? 1 : 0), argv + argc));
+    const int code = kinsort::RunKinsort(services, std::vector<std::string>(argv + (argc > 0 ? 1 : 0), argv + argc));
+    // A thread that hangs in a dead network disk still holds what would now be destroyed.
+    if (kinsort::WorkerThreads::LeftBehind() > 0) std::_Exit(code);
+    return code;
 }

@@ -4,25 +4,14 @@
 #include <utility>
 
 #include "app/ScriptStop.h"
+#include "framework/LaunchBatch.h"
 #include "framework/MessageNumbers.h"
-#include "platform/linux/IcuCodePages.h"
 #include "platform/linux/IcuLocaleMap.h"
-#include "platform/linux/LinuxClock.h"
-#include "platform/linux/LinuxDesktopOpener.h"
-#include "platform/linux/LinuxFileSystem.h"
-#include "platform/linux/LinuxPathCodec.h"
-#include "platform/linux/LinuxProcesses.h"
-#include "platform/linux/LinuxSys.h"
-#include "platform/linux/LinuxSystemInfo.h"
-#include "platform/linux/LinuxUserAccount.h"
-#include "platform/linux/LinuxWindowMessages.h"
 #include "platform/linux/UserFolders.h"
 #include "text/Utf8.h"
 
 namespace kinsort {
 namespace {
-
-constexpr std::u16string_view kCommandName = u"Kinsort";  // in the registry
 
 std::string HomeFolder() {
     const char* const home = std::getenv("HOME");
@@ -31,26 +20,12 @@ std::string HomeFolder() {
 
 }  // namespace
 
-LinuxPlatform::LinuxPlatform()
-    : codec(MakeLinuxPathCodec(DrivesFolderOfThisUser())),
-      files(MakeLinuxFileSystem(*codec)),
-      sys(MakeLinuxSys()),
-      clock(MakeLinuxClock()),
-      processes(MakeLinuxProcesses(*codec, *files)),
-      opener(MakeLinuxDesktopOpener(*processes, *files, *codec)),
-      windows(MakeLinuxWindowMessages()),
-      account(MakeLinuxUserAccount(*codec)),
-      system(MakeLinuxSystemInfo()),
-      codePages(MakeIcuCodePages()),
-      locale(MakeIcuLocaleMap()),
-      registry(MakeSqliteRegistry(RegistryFileOfThisUser(), *codec,
-                                  [this](const RegistryDamage& what) { damage = what; })) {}
-
-LinuxPlatform::~LinuxPlatform() = default;
-
 KinsortProgram::KinsortProgram(QtProgram& toolkit, const std::string& programFile)
-    : normalizing_(std::async(std::launch::async, [this] { return NameNormalizer(*platform_.locale); })),
-      settings_(*platform_.registry, kCommandName),
+    : locale_(MakeIcuLocaleMap()),
+      registry_(MakeSqliteRegistry(RegistryFileOfThisUser(), *platform_.codec,
+                                   [this](const RegistryDamage& what) { damage_ = what; })),
+      normalizing_(std::async(std::launch::async, [this] { return NameNormalizer(*locale_); })),
+      settings_(*registry_, kCommandName),
       folders_({settings_, *platform_.files, *platform_.account, platform_.environment, *platform_.codec},
                platform_.codec->PathToInner(programFile)),
       windowTexts_(LanguageOfSuffix(settings_.LanguageSuffix())),
@@ -81,8 +56,8 @@ std::optional<FileOperationServices> KinsortProgram::Engine() {
 
 // When the dialog stands there: the settings were read before anything could be shown.
 void KinsortProgram::TellOfDamage() {
-    if (!platform_.damage) return;
-    const RegistryDamage& damage = *platform_.damage;
+    if (!damage_) return;
+    const RegistryDamage& damage = *damage_;
     const uint16_t number = damage.setAside.empty() ? kMsgRegistryDamaged : kMsgRegistrySetAside;
     ui_.ShowMessage({.text = messages_.GetMessageText(number, {FromUtf8(damage.file), FromUtf8(damage.setAside)}),
                      .title = std::u16string(kProgramTitle),
@@ -90,14 +65,21 @@ void KinsortProgram::TellOfDamage() {
 }
 
 void KinsortProgram::Run(std::vector<std::string> arguments) {
+    RunDialog(std::move(arguments));
+    // A thread that hangs in a dead network disk still holds what would now be destroyed.
+    if (WorkerThreads::LeftBehind() > 0) std::_Exit(EXIT_SUCCESS);
+}
+
+void KinsortProgram::RunDialog(std::vector<std::string> arguments) {
+    LaunchWorkers launches;
     const ScriptServices scripts{*platform_.files,   ui_,
                                  *platform_.windows, *platform_.processes,
                                  *platform_.opener,  platform_.environment,
                                  *platform_.codec,   *platform_.codePages,
                                  settings_,          folders_,
                                  messages_,          *platform_.clock,
-                                 platform_.sleeper,  launches_,
-                                 *platform_.system,  *platform_.locale};
+                                 platform_.sleeper,  launches,
+                                 *platform_.system,  *locale_};
     const NameNormalizer normalizer = normalizing_.get();
     const KinsortDlgServices dialog{
         .ui = ui_,
@@ -126,8 +108,6 @@ void KinsortProgram::Run(std::vector<std::string> arguments) {
     CKinsortApp application({view_, dialog, platform_.memory, platform_.environment, *platform_.codec, HomeFolder()},
                             std::move(arguments));
     application.InitInstance();
-    // A thread that hangs in a dead network disk still holds what would now be destroyed.
-    if (WorkerThreads::LeftBehind() > 0) std::_Exit(EXIT_SUCCESS);
 }
 
 }  // namespace kinsort

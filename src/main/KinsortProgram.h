@@ -10,10 +10,7 @@
 
 #include "app/KinsortApp.h"
 #include "app/OperationPresenter.h"
-#include "framework/LaunchBatch.h"
-#include "platform/linux/LinuxEnvironment.h"
-#include "platform/linux/LinuxSharedMemory.h"
-#include "platform/linux/LinuxSleeper.h"
+#include "main/LinuxPlatform.h"
 #include "platform/linux/SqliteRegistry.h"
 #include "ui/qt/QtIcons.h"
 #include "ui/qt/QtKinsortDlgView.h"
@@ -22,29 +19,6 @@
 #include "ui/qt/ScriptStopWindow.h"
 
 namespace kinsort {
-
-// What the system offers, in the order in which one builds on the other.
-struct LinuxPlatform {
-    LinuxPlatform();
-    ~LinuxPlatform();
-
-    std::unique_ptr<PathCodec> codec;
-    std::unique_ptr<FileSystem> files;
-    std::unique_ptr<Sys> sys;
-    std::unique_ptr<Clock> clock;
-    std::unique_ptr<Processes> processes;
-    std::unique_ptr<DesktopOpener> opener;
-    std::unique_ptr<WindowMessages> windows;
-    std::unique_ptr<UserAccount> account;
-    std::unique_ptr<SystemInfo> system;
-    std::unique_ptr<CodePages> codePages;
-    std::unique_ptr<LocaleMap> locale;
-    LinuxEnvironment environment;
-    LinuxSharedMemory memory;
-    LinuxSleeper sleeper;
-    std::optional<RegistryDamage> damage;  // met when the settings were read
-    std::unique_ptr<Registry> registry;
-};
 
 class KinsortProgram {
   public:
@@ -59,10 +33,14 @@ class KinsortProgram {
     void Run(std::vector<std::string> arguments);
 
   private:
+    void RunDialog(std::vector<std::string> arguments);
     std::optional<FileOperationServices> Engine();
     void TellOfDamage();
 
     LinuxPlatform platform_;
+    std::unique_ptr<LocaleMap> locale_;
+    std::optional<RegistryDamage> damage_;  // met when the settings were read
+    std::unique_ptr<Registry> registry_;
     std::future<NameNormalizer> normalizing_;
     Settings settings_;
     VelFolders folders_;
@@ -77,7 +55,6 @@ class KinsortProgram {
     QtKinsortDlgView view_;
     QtScriptStopView scriptStop_;
     HostHandOff handOff_;
-    LaunchWorkers launches_;  // goes before everything that a launch works with
 };
 
 }  // namespace kinsort

@@ -22,7 +22,7 @@ void ShowJumps(CliContext& context, FileManager& fileManager, const std::vector<
 }  // namespace
 
 ExitCode RunHost(CliContext& context, const CommandLine& line) {
-    const ScriptBackend& backend = context.services.script();
+    const ScriptBackend& backend = context.services.script;
     const std::string typed = line.Value(OptionId::kClass, ToUtf8(kHostWindowClass));
     MessageListing listing(context, line.Has(OptionId::kJson));
     const Result<std::unique_ptr<TopLevelWindow>> window = backend.windows.RegisterTopLevel(FromUtf8(typed), listing);

@@ -96,10 +96,11 @@ ExitCode RunFile(CliContext& context, const CommandLine& line) {
     if (!arguments) return ExitCode::kUsage;
     if (CTextFile file(context.services.files); file.Open(*script) != 0 && LooksLikeBytes(file.GetText()))
         context.console.Say("script: " + ShownText(line.operands[1]) + ": " + ToUtf8(kEncodingText));
-    const ScriptBackend& backend = context.services.script();
+    const ScriptBackend& backend = context.services.script;
     HostServices& host = context.services.host();
     ConsoleUserInterface ui(context, PolicyOf(line));
     Messages messages(host.settings, host.folders, context.services.files, ui);
+    const std::unique_ptr<LocaleMap> locale = context.services.makeLocaleMap();
     ScriptTrace trace(context.console);
     LaunchWorkers workers;
     const ScriptServices services{
@@ -118,7 +119,7 @@ ExitCode RunFile(CliContext& context, const CommandLine& line) {
         .sleeper = backend.sleeper,
         .launchWorkers = workers,
         .system = backend.system,
-        .locale = backend.locale,
+        .locale = *locale,
         .observer = line.Has(OptionId::kTrace) ? &trace : nullptr,
         .cancel = &context.cancel,
         .maxVariableUnits = kMaxVariableUnits,
