@@ -105,9 +105,10 @@ class Script(Workshop):
         temporary = os.path.join(self.top, "temporary")
         os.mkdir(temporary)
         self.environment["TMPDIR"] = temporary
-        # Children and descriptors of the program that runs the script, itself a child of it.
+        # Children, threads and descriptors of the program that runs the script, itself a child of it.
         self.make_file(self.top, "look", b"""#!/bin/sh
 grep -ls "^PPid:[[:space:]]*$PPID\$" /proc/[0-9]*/status | wc -l
+ls /proc/$PPID/task | wc -l
 ls -l /proc/$PPID/fd | sed '1d; s/.* \\([0-9]* ->\\)/\\1/; s/[0-9]*\\]//'
 """, mode=0o755)
         seen = []
