@@ -16,6 +16,10 @@ QLabel* PlainLabel(const QString& text) {
     return label;
 }
 
+int WidthOfLetters(const QFontMetrics& metrics, int letters) {
+    return letters * metrics.horizontalAdvance(QLatin1Char('x'));
+}
+
 QString PlainToolTip(QString text) {
     for (qsizetype at = (text.size() - 1) / kToolTipUnits * kToolTipUnits; at > 0; at -= kToolTipUnits) {
         if (!text[at].isLowSurrogate()) text.insert(at, kMayBreak);

@@ -9,6 +9,10 @@ namespace kinsort {
 
 QLabel* PlainLabel(const QString& text = {});
 
+// The width of a line of so many Latin letters. Wide characters take twice the room, and a font that has many of them
+// counts those for its average.
+int WidthOfLetters(const QFontMetrics& metrics, int letters);
+
 // What shows that text as a tool tip, in several lines if it is long.
 QString PlainToolTip(QString text);
 

@@ -8,7 +8,7 @@
 namespace kinsort {
 namespace {
 
-constexpr int kWidthInCharacters = 64;
+constexpr int kWidthInLetters = 64;
 constexpr int kWhole = 1000;
 
 }  // namespace
@@ -29,7 +29,7 @@ ProgressWindow::ProgressWindow(std::function<void()> onCancel) : onCancel_(std::
     layout->addWidget(cancel_, 3, 1);
     layout->setColumnStretch(0, 1);
     layout->setRowStretch(4, 1);
-    setMinimumWidth(kWidthInCharacters * fontMetrics().averageCharWidth());
+    setMinimumWidth(WidthOfLetters(fontMetrics(), kWidthInLetters));
     connect(cancel_, &QPushButton::clicked, this, [this] { reject(); });
 }
 

@@ -23,8 +23,8 @@
 namespace kinsort {
 namespace {
 
-constexpr int kWidthInCharacters = 72;
-constexpr int kOfferInCharacters = 48;
+constexpr int kWidthInLetters = 72;
+constexpr int kOfferInLetters = 48;
 constexpr int kListLines = 12;
 constexpr int kMostTextLines = 12;  // in a window that holds more, no button is in sight
 
@@ -38,9 +38,9 @@ class QuestionDialog final : public QDialog {
 
     QVBoxLayout& Body() { return *layout_; }
 
-    void AddText(const std::u16string& text, int widthInCharacters = kWidthInCharacters) {
+    void AddText(const std::u16string& text, int widthInLetters = kWidthInLetters) {
         const QString whole = ToQString(text);
-        const int width = widthInCharacters * fontMetrics().averageCharWidth();
+        const int width = WidthOfLetters(fontMetrics(), widthInLetters);
         QLabel* const label = PlainLabel(FitIntoLines(whole, fontMetrics(), width, kMostTextLines));
         if (label->text() != whole) label->setToolTip(PlainToolTip(whole));
         label->setWordWrap(true);
@@ -101,9 +101,9 @@ class SummaryList final : public QTreeView {
         setUniformRowHeights(true);
         setSelectionMode(QAbstractItemView::ExtendedSelection);
         setTextElideMode(Qt::ElideMiddle);
-        const int character = fontMetrics().averageCharWidth();
-        setColumnWidth(0, kWidthInCharacters * character / 2);
-        setMinimumSize(kWidthInCharacters * character, kListLines * fontMetrics().lineSpacing());
+        const int width = WidthOfLetters(fontMetrics(), kWidthInLetters);
+        setColumnWidth(0, width / 2);
+        setMinimumSize(width, kListLines * fontMetrics().lineSpacing());
         auto* const copy = new QAction(texts.Say(WindowText::kCopyList), this);
         connect(copy, &QAction::triggered, this, [this] { Copy(); });
         addAction(copy);
@@ -168,7 +168,7 @@ size_t ShowSummaryIn(QWidget* owner, const OperationSummary& summary, const Wind
 
 bool OfferUndoIn(const UndoOffer& offer, const WindowTexts& texts, int limitMs) {
     QuestionDialog dialog(nullptr, offer.title);
-    dialog.AddText(offer.text, kOfferInCharacters);
+    dialog.AddText(offer.text, kOfferInLetters);
     dialog.AddButtons({offer.undo, FromQString(texts.Say(WindowText::kClose))}, 1, 1);
     dialog.setAttribute(Qt::WA_ShowWithoutActivating);
     dialog.setWindowFlag(Qt::WindowStaysOnTopHint);
