@@ -45,21 +45,24 @@ std::optional<std::vector<std::string>> TypedItems(CliContext& context, const Co
     return typed;
 }
 
-// Resolves items and sorts them into those that exist and those that do not. `shown` is how the user knows an item.
-void AddExisting(CliContext& context, size_t count, const std::function<Result<std::u16string>(size_t)>& resolve,
-                 const std::function<std::string(size_t)>& shown, ItemList& list) {
+// Resolves items and sorts them into those that count and those that do not. `shown` is how the user knows an item.
+void AddItems(CliContext& context, size_t count, unsigned threads, ItemCheck wanted,
+              const std::function<Result<std::u16string>(size_t)>& resolve,
+              const std::function<std::string(size_t)>& shown, ItemList& list) {
     struct Looked {
         Result<std::u16string> path = std::u16string();
         Status status;
     };
     std::vector<Looked> looked(count);
-    ExistenceCheck check(context.services);
+    ExistenceCheck existence(context.services);
     const auto look = [&](size_t i) {
         if (context.cancel.isCancelled()) return;
         looked[i].path = resolve(i);
-        looked[i].status = looked[i].path.ok() ? check.Look(*looked[i].path) : looked[i].path.status();
+        looked[i].status = looked[i].path.status();
+        if (looked[i].path.ok() && wanted == ItemCheck::kExists) looked[i].status = existence.Look(*looked[i].path);
     };
-    ForEachParallel(count, std::thread::hardware_concurrency(), look, [] {});
+    constexpr size_t kGrain = 64;
+    ForEachParallel(count, kGrain, threads, look, [] {});
     if (context.cancel.isCancelled()) return;
     for (size_t i = 0; i < count; ++i) {
         auto& [path, status] = looked[i];
@@ -102,26 +105,28 @@ Result<std::u16string> ResolveTyped(CliContext& context, std::string_view typed)
     return context.services.files.ResolveFullPath(path.inner);
 }
 
-ItemList CollectItems(CliContext& context, const CommandLine& line) {
+ItemList CollectItems(CliContext& context, const CommandLine& line, ItemCheck check) {
     ItemList list;
+    const int asked = line.Number(OptionId::kThreads, 0);
+    const unsigned threads = asked > 0 ? static_cast<unsigned>(asked) : std::thread::hardware_concurrency();
     if (!line.operands.empty() || line.Has(OptionId::kFilesFrom)) {
         const std::optional<std::vector<std::string>> typed = TypedItems(context, line);
         list.source = typed ? ItemSource::kNamed : ItemSource::kFailed;
         const auto resolve = [&](size_t i) { return ResolveTyped(context, (*typed)[i]); };
         const auto shown = [&](size_t i) { return (*typed)[i]; };
-        if (typed) AddExisting(context, typed->size(), resolve, shown, list);
+        if (typed) AddItems(context, typed->size(), threads, check, resolve, shown, list);
     } else if (const auto handedOver = context.services.handedOverItems()) {
         list.source = ItemSource::kHandedOver;
         const auto resolve = [&](size_t i) { return context.services.files.ResolveFullPath((*handedOver)[i]); };
         const auto shown = [&](size_t i) { return context.NativePath((*handedOver)[i]); };
-        AddExisting(context, handedOver->size(), resolve, shown, list);
+        AddItems(context, handedOver->size(), threads, check, resolve, shown, list);
     }
     if (context.cancel.isCancelled()) list.source = ItemSource::kCancelled;
     return list;
 }
 
-void SayMissing(CliContext& context, const ItemList& items) {
-    for (const MissingItem& item : items.missing)
+void SayMissing(CliContext& context, const std::vector<MissingItem>& missing) {
+    for (const MissingItem& item : missing)
         context.console.Say((item.typed.empty() ? "''" : ShownText(item.typed)) + ": " + StatusText(item.why));
 }
 

@@ -31,15 +31,20 @@ enum class ItemSource : uint8_t {
 
 struct ItemList {
     ItemSource source = ItemSource::kNone;
-    std::vector<std::u16string> paths;  // inner form, absolute; each existed when it was looked at
+    std::vector<std::u16string> paths;  // inner form, absolute
     std::vector<MissingItem> missing;
 };
 
+enum class ItemCheck : uint8_t {
+    kExists,  // what does not exist is missing
+    kNotNow,  // whoever takes the items finds out; only what names no path at all is missing
+};
+
 // Collects the items. Nothing is said about missing ones.
-ItemList CollectItems(CliContext& context, const CommandLine& line);
+ItemList CollectItems(CliContext& context, const CommandLine& line, ItemCheck check = ItemCheck::kExists);
 
 // Names each item that does not exist, and why it does not count.
-void SayMissing(CliContext& context, const ItemList& items);
+void SayMissing(CliContext& context, const std::vector<MissingItem>& missing);
 
 // The absolute inner form of what the user wrote for a path: a file:/ address, a path below "~/", or a native path.
 // kInvalid, with a text that says why, for an address that names no local file.

@@ -36,11 +36,12 @@ bool SayWhyNoItems(CliContext& context, const CommandLine& line, const ItemList&
 
 }  // namespace
 
-std::optional<ExitCode> MakeSortingPlan(CliContext& context, const CommandLine& line, SortingPlan& plan) {
+std::optional<ExitCode> MakeSortingPlan(CliContext& context, const CommandLine& line, ItemCheck check,
+                                        SortingPlan& plan) {
     plan.searchFolder = FindFolderToList(context, OptionId::kTo, line.Value(OptionId::kTo));
     if (plan.searchFolder.empty()) return ExitCode::kNothing;
-    ItemList items = CollectItems(context, line);
-    SayMissing(context, items);
+    ItemList items = CollectItems(context, line, check);
+    SayMissing(context, items.missing);
     plan.missing = std::move(items.missing);
     if (SayWhyNoItems(context, line, items, !plan.missing.empty())) {
         return items.source == ItemSource::kNone ? ExitCode::kUsage : ExitCode::kNothing;

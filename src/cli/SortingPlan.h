@@ -24,7 +24,8 @@ struct SortingPlan {
 
 // Makes the plan from the command line. Says what is wrong with single items and goes on; when there is nothing to
 // plan, says why and returns the exit code.
-std::optional<ExitCode> MakeSortingPlan(CliContext& context, const CommandLine& line, SortingPlan& plan);
+std::optional<ExitCode> MakeSortingPlan(CliContext& context, const CommandLine& line, ItemCheck check,
+                                        SortingPlan& plan);
 
 // The target folder of a row, inner form; empty when the row has no candidate.
 std::u16string TargetFolderOf(const SortingPlan& plan, size_t row);

@@ -131,8 +131,18 @@ std::string BatchStatusText(const Status& status) {
     return StatusText(status);
 }
 
+namespace {
+
+// Whether it is what the system said that tells why: also of an item that was not there when the batch was planned.
+bool IsToldByStatus(const ItemReport& report) {
+    const bool wasNeverThere = report.reason == ItemReason::kSourceGone && report.target.empty();
+    return report.reason == ItemReason::kSystem || (wasNeverThere && !report.status.ok());
+}
+
+}  // namespace
+
 std::string ReasonText(const ItemReport& report) {
-    if (report.reason == ItemReason::kSystem) return StatusText(report.status);
+    if (IsToldByStatus(report)) return StatusText(report.status);
     return std::string(kReasonRows[static_cast<size_t>(report.reason)].text);
 }
 
@@ -149,7 +159,7 @@ std::string_view StatusKeyword(StatusCode code) {
 }
 
 std::string_view ReasonKeyword(const ItemReport& report) {
-    if (report.reason == ItemReason::kSystem) return StatusKeyword(report.status.code());
+    if (IsToldByStatus(report)) return StatusKeyword(report.status.code());
     return kReasonRows[static_cast<size_t>(report.reason)].keyword;
 }
 

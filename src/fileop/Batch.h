@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "fileop/FileOperation.h"
+#include "fileop/SharedName.h"
 #include "platform/Status.h"
 #include "platform/Sys.h"
 
@@ -52,7 +53,7 @@ struct FolderRecord {
 // A name in one of the batch's folders.
 struct Place {
     uint32_t folder = kNoIndex;
-    std::string name;
+    SharedName name;
 };
 
 enum class StepKind : uint8_t {

@@ -91,7 +91,7 @@ class Inverter {
 
   private:
     static std::string PathOf(const std::vector<FolderRecord>& folders, const Place& place) {
-        return StoredPathOf(folders, place.folder) + "/" + place.name;
+        return StoredPathOf(folders, place.folder).append("/").append(place.name.view());
     }
 
     // A folder that was removed and made again since, by an undo that was stopped, is the one to work in.

@@ -47,9 +47,10 @@ BatchPlanner::BatchPlanner(const FileOperationServices& services, Batch& batch, 
                            ConflictResolver& resolver)
     : services_(services), batch_(batch), folders_(folders), resolver_(resolver) {}
 
-bool BatchPlanner::PlanItems(std::span<const ItemRequest> requests, unsigned threads,
-                             const std::function<bool(const ItemRequest&)>& goesOn) {
+bool BatchPlanner::PlanItems(std::span<const QueuedItem> requests, unsigned threads,
+                             const std::function<bool(const QueuedItem&)>& goesOn) {
     constexpr size_t kBlock = 4096;  // enough to keep the threads busy, little enough to hold
+    constexpr size_t kGrain = 64;    // neighbours are often in the same folder: let one thread have them
     batch_.items.reserve(requests.size());
     batch_.steps.reserve(requests.size());
     batch_.states.reserve(requests.size());
@@ -65,7 +66,7 @@ bool BatchPlanner::PlanItems(std::span<const ItemRequest> requests, unsigned thr
         std::vector<std::unique_ptr<FolderNames>> listed;
         ListDestinations(looked, listed);
         const auto look = [&](size_t i) { LookAt(looked[i]); };
-        ForEachParallel(block.size(), threads, look, [] {});
+        ForEachParallel(block.size(), kGrain, threads, look, [] {});
         for (size_t i = 0; i < block.size(); ++i) {
             if (!goesOn(block[i]) || !PlanItem(block[i], looked[i])) return false;
         }
@@ -73,7 +74,7 @@ bool BatchPlanner::PlanItems(std::span<const ItemRequest> requests, unsigned thr
     return true;
 }
 
-void BatchPlanner::Resolve(const ItemRequest& request, Looked& looked) {
+void BatchPlanner::Resolve(const QueuedItem& request, Looked& looked) {
     const auto [folderPart, name] = SplitAtLastSeparator(WithoutTrailingSeparator(request.source));
     looked.source.folder = kNoIndex;
     if (folderPart.empty() || name.empty() || name == u"." || name == u"..") {
@@ -87,7 +88,7 @@ void BatchPlanner::Resolve(const ItemRequest& request, Looked& looked) {
     }
     looked.source.folder = *folder;
     looked.name = name;
-    looked.destination = FolderOf(request.destination, lastDestination_);
+    looked.destination = FolderOf(*request.destination, lastDestination_);
 }
 
 const Result<uint32_t>& BatchPlanner::FolderOf(std::u16string_view path, NamedFolder& last) {
@@ -128,12 +129,12 @@ Result<FileInfo> BatchPlanner::StatAt(const Place& place) {
     return folder.ok() ? services_.sys.StatAt(**folder, place.name) : Result<FileInfo>(folder.status());
 }
 
-bool BatchPlanner::PlanItem(const ItemRequest& request, const Looked& looked) {
+bool BatchPlanner::PlanItem(const QueuedItem& request, const Looked& looked) {
     item_ = batch_.items.size();
     batch_.items.push_back({.source = looked.source, .destination = kNoIndex, .isMove = request.isMove});
     request_ = &request;
     if (!looked.destination.ok()) {
-        Refuse(ItemOutcome::kFailed, ItemReason::kSystem, looked.destination.status().At(request.destination));
+        Refuse(ItemOutcome::kFailed, ItemReason::kSystem, looked.destination.status().At(*request.destination));
         return true;
     }
     if (!looked.info.ok()) {
@@ -290,7 +291,7 @@ BatchPlanner::Choice BatchPlanner::ResolveConflict(const Place& source, const Fi
     }
 }
 
-std::string BatchPlanner::FreeNameIn(uint32_t folder, const std::string& name, FileKind kind) {
+std::string BatchPlanner::FreeNameIn(uint32_t folder, std::string_view name, FileKind kind) {
     const auto opened = folders_.Open(folder);
     return FindFreeName(name, kind != FileKind::kFolder, [&](const std::string& candidate) {
         if (plannedTargets_.contains(PlaceView(folder, candidate))) return true;

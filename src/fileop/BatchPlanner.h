@@ -4,6 +4,7 @@
 
 #include <functional>
 #include <memory>
+#include <memory_resource>
 #include <span>
 #include <string>
 #include <string_view>
@@ -39,7 +40,7 @@ struct PlaceEqual {
     using is_transparent = void;
     bool operator()(const PlaceView& a, const PlaceView& b) const { return a.folder == b.folder && a.name == b.name; }
 };
-using PlaceSet = std::unordered_set<Place, PlaceHash, PlaceEqual>;
+using PlaceSet = std::pmr::unordered_set<Place, PlaceHash, PlaceEqual>;
 
 class BatchPlanner {
   public:
@@ -49,8 +50,8 @@ class BatchPlanner {
 
     // Adds the steps for all items; looks at them on up to `threads` threads. A refusal is written into the item's
     // report. False when the user cancelled in a question, or when `goesOn`, called before each item, says so.
-    bool PlanItems(std::span<const ItemRequest> requests, unsigned threads,
-                   const std::function<bool(const ItemRequest&)>& goesOn);
+    bool PlanItems(std::span<const QueuedItem> requests, unsigned threads,
+                   const std::function<bool(const QueuedItem&)>& goesOn);
     // An item's refusal; null when there is nothing to tell.
     const ItemReport* refusal(size_t item) const {
         const auto found = refusals_.find(item);
@@ -83,11 +84,11 @@ class BatchPlanner {
     enum class Choice : uint8_t { kGo, kSkip, kCancel };
 
     void Refuse(ItemOutcome outcome, ItemReason reason, Status status = {});
-    void Resolve(const ItemRequest& request, Looked& looked);
+    void Resolve(const QueuedItem& request, Looked& looked);
     // Lists the destinations that many of the items go to.
     void ListDestinations(std::span<Looked> looked, std::vector<std::unique_ptr<FolderNames>>& listed);
     void LookAt(Looked& looked);  // on any thread
-    bool PlanItem(const ItemRequest& request, const Looked& looked);
+    bool PlanItem(const QueuedItem& request, const Looked& looked);
     Result<FileInfo> StatAt(const Place& place);
     // A folder that was named last: items of one folder tend to follow each other.
     struct NamedFolder {
@@ -99,7 +100,7 @@ class BatchPlanner {
     Choice ChooseTarget(const Place& source, const FileInfo& info, uint32_t folder, bool isMove,
                         const Result<FileInfo>* known, Target& target);
     Choice ResolveConflict(const Place& source, const FileInfo& info, const FileInfo* there, Target& target);
-    std::string FreeNameIn(uint32_t folder, const std::string& name, FileKind kind);
+    std::string FreeNameIn(uint32_t folder, std::string_view name, FileKind kind);
     uint32_t KeptFolderFor(uint32_t targetFolder);
     bool LiesInside(uint32_t folder, const FileInfo& ancestor);
     // Adds the steps that place one file or folder; false on cancel.
@@ -121,9 +122,10 @@ class BatchPlanner {
     ConflictResolver& resolver_;
     std::unordered_map<size_t, ItemReport> refusals_;  // by item
     size_t item_ = 0;                                  // the item that steps and refusals are for at the moment
-    const ItemRequest* request_ = nullptr;             // what was asked for it; null when it is planned anew
-    PlaceSet plannedSources_;
-    PlaceSet plannedTargets_;
+    const QueuedItem* request_ = nullptr;              // what was asked for it; null when it is planned anew
+    std::pmr::monotonic_buffer_resource places_;       // of the sets, which only grow
+    PlaceSet plannedSources_{&places_};
+    PlaceSet plannedTargets_{&places_};
     std::unordered_map<uint32_t, uint32_t> keptFolders_;  // target folder to kept folder
     NamedFolder lastSourceFolder_;
     NamedFolder lastDestination_;

@@ -8,8 +8,11 @@
 
 namespace kinsort {
 
+// Appends to a string that outlives it.
 class ByteWriter {
   public:
+    explicit ByteWriter(std::string& out) : bytes_(out) {}
+
     template <typename Number>
     void Put(Number number) {
         static_assert(std::is_integral_v<Number> || std::is_enum_v<Number>);
@@ -28,11 +31,8 @@ class ByteWriter {
     }
     void PutBytes(std::string_view bytes) { bytes_ += bytes; }
 
-    const std::string& bytes() const { return bytes_; }
-    void Clear() { bytes_.clear(); }
-
   private:
-    std::string bytes_;
+    std::string& bytes_;
 };
 
 // Reads what a ByteWriter wrote. Reading past the end, or a length beyond it, gives zeros and empty texts and turns

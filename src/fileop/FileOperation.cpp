@@ -26,11 +26,17 @@ FileOperation::FileOperation(FileOperationServices services) : services_(std::mo
 FileOperation::~FileOperation() = default;
 
 void FileOperation::CopyItems(std::u16string sourcePath, std::u16string destinationFolder) {
-    requests_.push_back({std::move(sourcePath), std::move(destinationFolder), false});
+    Queue(std::move(sourcePath), std::move(destinationFolder), false);
 }
 
 void FileOperation::MoveItems(std::u16string sourcePath, std::u16string destinationFolder) {
-    requests_.push_back({std::move(sourcePath), std::move(destinationFolder), true});
+    Queue(std::move(sourcePath), std::move(destinationFolder), true);
+}
+
+void FileOperation::Queue(std::u16string sourcePath, std::u16string destinationFolder, bool isMove) {
+    const bool isNew = destinations_.empty() || destinations_.back() != destinationFolder;
+    if (isNew) destinations_.push_back(std::move(destinationFolder));
+    queue_.push_back({std::move(sourcePath), &destinations_.back(), isMove});
 }
 
 void FileOperation::SetPolicy(const OperationPolicy& policy) {
@@ -67,14 +73,14 @@ BatchResult FileOperation::PerformOperations(AskUserAction* asker, ProgressSink*
     ConflictResolver resolver(noConfirmation ? ConflictAnswer::kReplace : policy_.conflicts, asker);
     BatchPlanner planner(services_, batch, folders, resolver);
 
-    const bool isPlanned = planner.PlanItems(requests_, policy_.threads, [&](const ItemRequest& request) {
-        meter.Tick([&] { return request.source; });
+    const bool isPlanned = planner.PlanItems(queue_, policy_.threads, [&](const QueuedItem& item) {
+        meter.Tick([&] { return item.source; });
         return !token.isCancelled();
     });
     if (!isPlanned || token.isCancelled()) {
         // Nothing was touched yet, so nothing is what a cancel leaves.
         result.cancelled = true;
-        result.notReached = requests_.size();
+        result.notReached = queue_.size();
         result.status = store.Remove(created->id);
         return result;
     }
@@ -83,7 +89,7 @@ BatchResult FileOperation::PerformOperations(AskUserAction* asker, ProgressSink*
         result.status = session.StorePlan();
         if (!result.status.ok()) {
             (void)store.Remove(created->id);  // it holds no complete plan, so nobody would act on it
-            result.notReached = requests_.size();
+            result.notReached = queue_.size();
             return result;
         }
         result.id = created->id;

@@ -11,6 +11,7 @@
 #pragma once
 
 #include <cstdint>
+#include <deque>
 #include <string>
 #include <vector>
 
@@ -106,6 +107,13 @@ struct ItemRequest {
     bool isMove = false;
 };
 
+// The same as it waits: many items have one destination, which somebody else holds.
+struct QueuedItem {
+    std::u16string source;
+    const std::u16string* destination;
+    bool isMove;
+};
+
 // Not thread-safe: one thread queues and performs; cancel may come from any.
 class FileOperation {
   public:
@@ -126,10 +134,13 @@ class FileOperation {
     BatchResult PerformOperations(AskUserAction* asker, ProgressSink* progress, const CancelToken* cancel);
 
   private:
+    void Queue(std::u16string sourcePath, std::u16string destinationFolder, bool isMove);
+
     FileOperationServices services_;
     OperationPolicy policy_;
     uint32_t flags_ = kFofAllowUndo | kFofNoCopySecurityAttribs | kFofNoConnectedElements;
-    std::vector<ItemRequest> requests_;
+    std::deque<std::u16string> destinations_;  // those of neighbours stand once
+    std::vector<QueuedItem> queue_;
 };
 
 }  // namespace kinsort

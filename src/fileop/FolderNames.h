@@ -21,10 +21,15 @@ class FolderNames {
     // False when nothing was listed, be it that it was not worth it or that the folder cannot be listed: look for
     // each name instead.
     bool isListed() const { return isListed_; }
-    bool Contains(std::string_view name) const { return names_.contains(std::string(name)); }
+    bool Contains(std::string_view name) const { return names_.find(name) != names_.end(); }
 
   private:
-    std::unordered_set<std::string> names_;
+    struct Hash {
+        using is_transparent = void;
+        size_t operator()(std::string_view name) const { return std::hash<std::string_view>()(name); }
+    };
+
+    std::unordered_set<std::string, Hash, std::equal_to<>> names_;
     bool isListed_ = false;
 };
 

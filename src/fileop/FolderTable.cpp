@@ -52,8 +52,8 @@ Result<uint32_t> FolderTable::AddByPath(const std::string& storedPath) {
     return index;
 }
 
-uint32_t FolderTable::AddChild(uint32_t parent, const std::string& name, const FileInfo* info) {
-    FolderRecord record = RecordOf(parent, name, info);
+uint32_t FolderTable::AddChild(uint32_t parent, std::string_view name, const FileInfo* info) {
+    FolderRecord record = RecordOf(parent, std::string(name), info);
     if (info == nullptr) record.device = folders_[parent].device;
     record.volumeId = folders_[parent].volumeId;
     folders_.push_back(std::move(record));

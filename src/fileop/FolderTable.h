@@ -26,7 +26,7 @@ class FolderTable {
     // reached.
     Result<uint32_t> AddByPath(const std::string& storedPath);
     // The index of a sub-folder. With `info` it exists and is pinned; without, a step will make it.
-    uint32_t AddChild(uint32_t parent, const std::string& name, const FileInfo* info);
+    uint32_t AddChild(uint32_t parent, std::string_view name, const FileInfo* info);
     // A folder for replaced files; made with mode 0700 when first opened.
     uint32_t AddKeepFolder(uint32_t parent, const std::string& name);
 

@@ -63,22 +63,23 @@ bool WasDurable(uint64_t at, std::string_view bytes, uint64_t firstSequence) {
 }  // namespace
 
 void AppendJournalHead(std::string& out) {
-    ByteWriter writer;
-    writer.Put(kJournalVersion);
-    out.append(kJournalMagic).append(writer.bytes());
+    out.append(kJournalMagic);
+    ByteWriter(out).Put(kJournalVersion);
 }
 
 void AppendFrame(std::string& out, RecordType type, uint64_t sequence, uint64_t durableLength,
                  std::string_view payload) {
-    ByteWriter covered;
-    covered.Put(sequence);
-    covered.Put(durableLength);
-    covered.Put(type);
-    covered.PutBytes(payload);
-    ByteWriter head;
-    head.Put(static_cast<uint32_t>(payload.size()));
-    head.Put(ChecksumOf(covered.bytes(), sequence));
-    out.append(head.bytes()).append(covered.bytes());
+    const size_t start = out.size();
+    ByteWriter frame(out);
+    frame.Put(static_cast<uint32_t>(payload.size()));
+    frame.Put(uint64_t{0});  // the checksum's place
+    frame.Put(sequence);
+    frame.Put(durableLength);
+    frame.Put(type);
+    frame.PutBytes(payload);
+    std::string checksum;
+    ByteWriter(checksum).Put(ChecksumOf(std::string_view(out).substr(start + kSequenceAt), sequence));
+    out.replace(start + sizeof(uint32_t), checksum.size(), checksum);
 }
 
 std::optional<uint64_t> ReadEndFrame(std::string_view bytes) {

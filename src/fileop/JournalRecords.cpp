@@ -8,6 +8,9 @@ namespace kinsort {
 
 namespace {
 
+// No record of an item or a step is longer, but for the names in it.
+constexpr size_t kRecordWithoutNames = 128;
+
 void PutIdentity(ByteWriter& writer, const FileIdentity& id) {
     writer.Put(id.inode);
     writer.Put(id.createdNs);
@@ -167,7 +170,8 @@ void ApplyFolderTimes(ByteReader& reader, Batch& batch) {
 }  // namespace
 
 std::string EncodeBegin(const BatchHeader& header) {
-    ByteWriter writer;
+    std::string bytes;
+    ByteWriter writer(bytes);
     writer.Put(header.kind);
     writer.Put(header.id);
     writer.Put(header.root);
@@ -176,11 +180,12 @@ std::string EncodeBegin(const BatchHeader& header) {
     writer.Put(header.startedNs);
     writer.Put(header.user);
     writer.PutText(header.bootId);
-    return writer.bytes();
+    return bytes;
 }
 
 std::string EncodeFolder(const FolderRecord& folder) {
-    ByteWriter writer;
+    std::string bytes;
+    ByteWriter writer(bytes);
     writer.Put(folder.parent);
     writer.PutText(folder.name);
     writer.Put(folder.device);
@@ -189,19 +194,23 @@ std::string EncodeFolder(const FolderRecord& folder) {
     writer.Put(folder.createdNs);
     writer.Put(folder.modifiedNs);
     writer.Put(static_cast<uint8_t>(folder.isKeep));
-    return writer.bytes();
+    return bytes;
 }
 
 std::string EncodeItem(const BatchItem& item) {
-    ByteWriter writer;
+    std::string bytes;
+    bytes.reserve(kRecordWithoutNames + item.source.name.view().size());
+    ByteWriter writer(bytes);
     PutPlace(writer, item.source);
     writer.Put(item.destination);
     writer.Put(static_cast<uint8_t>(item.isMove));
-    return writer.bytes();
+    return bytes;
 }
 
 std::string EncodeStep(uint32_t index, const Step& step) {
-    ByteWriter writer;
+    std::string bytes;
+    bytes.reserve(kRecordWithoutNames + step.source.name.view().size() + step.target.name.view().size());
+    ByteWriter writer(bytes);
     writer.Put(index);
     writer.Put(step.kind);
     writer.Put(static_cast<uint8_t>((step.isHardLink ? 1 : 0) | (step.dependsOnPrevious ? 2 : 0)));
@@ -214,27 +223,30 @@ std::string EncodeStep(uint32_t index, const Step& step) {
     PutIdentity(writer, step.targetId);
     writer.Put(step.invertsBatch);
     writer.Put(step.invertsStep);
-    return writer.bytes();
+    return bytes;
 }
 
 std::string EncodePlanned(const Batch& batch) {
-    ByteWriter writer;
+    std::string bytes;
+    ByteWriter writer(bytes);
     writer.Put(static_cast<uint32_t>(batch.steps.size()));
-    return writer.bytes();
+    return bytes;
 }
 
 std::string EncodeProgress(const std::vector<uint32_t>& indices, const std::vector<StepState>& states) {
-    ByteWriter writer;
+    std::string bytes;
+    ByteWriter writer(bytes);
     writer.Put(static_cast<uint32_t>(indices.size()));
     for (const uint32_t index : indices) {
         writer.Put(index);
         PutIdentity(writer, states[index].made);
     }
-    return writer.bytes();
+    return bytes;
 }
 
 std::string EncodeFailed(const std::vector<uint32_t>& indices, const std::vector<StepState>& states) {
-    ByteWriter writer;
+    std::string bytes;
+    ByteWriter writer(bytes);
     writer.Put(static_cast<uint32_t>(indices.size()));
     for (const uint32_t index : indices) {
         const StepState& state = states[index];
@@ -244,21 +256,23 @@ std::string EncodeFailed(const std::vector<uint32_t>& indices, const std::vector
         writer.Put(state.status.code());
         writer.Put(static_cast<int32_t>(state.status.systemCode()));
     }
-    return writer.bytes();
+    return bytes;
 }
 
 std::string EncodeFolderTimes(const std::vector<FolderRecord>& folders) {
-    ByteWriter writer;
+    std::string bytes;
+    ByteWriter writer(bytes);
     writer.Put(static_cast<uint32_t>(folders.size()));
     for (const FolderRecord& folder : folders)
         writer.Put(folder.modifiedAfterNs);
-    return writer.bytes();
+    return bytes;
 }
 
 std::string EncodeEnd(const EndRecord& end) {
-    ByteWriter writer;
+    std::string bytes;
+    ByteWriter writer(bytes);
     writer.Put(static_cast<uint8_t>(end.isCancelled));
-    return writer.bytes();
+    return bytes;
 }
 
 bool ApplyRecord(const Record& record, Batch& batch) {

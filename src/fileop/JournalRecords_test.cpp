@@ -93,9 +93,10 @@ TEST(JournalRecordsTest, NoPartOfAPayloadIsTakenForAWhole) {
 
 // What a hand that knows the checksum could write. The batch it is applied to is the sample one.
 std::string Payload(const std::function<void(ByteWriter&)>& write) {
-    ByteWriter writer;
+    std::string bytes;
+    ByteWriter writer(bytes);
     write(writer);
-    return writer.bytes();
+    return bytes;
 }
 
 std::string StepWith(const std::function<void(Step&)>& change, StepKind kind = StepKind::kMove, uint32_t index = 0) {
@@ -180,13 +181,13 @@ TEST(JournalRecordsTest, SenselessRecordsAreRefused) {
         {"first step that depends", RecordType::kStep, StepWith([](Step& s) { s.dependsOnPrevious = true; })},
         {"target in no folder", RecordType::kStep, StepWith([](Step& s) { s.target.folder = 4; })},
         {"target nowhere", RecordType::kStep, StepWith([](Step& s) { s.target.folder = kNoIndex; })},
-        {"target without a name", RecordType::kStep, StepWith([](Step& s) { s.target.name.clear(); })},
+        {"target without a name", RecordType::kStep, StepWith([](Step& s) { s.target.name = {}; })},
         {"target that climbs", RecordType::kStep, StepWith([](Step& s) { s.target.name = ".."; })},
         {"target with a path", RecordType::kStep, StepWith([](Step& s) { s.target.name = "a/b"; })},
         {"target with a NUL", RecordType::kStep, StepWith([&](Step& s) { s.target.name = nul; })},
         {"source in no folder", RecordType::kStep, StepWith([](Step& s) { s.source.folder = 4; })},
         {"source nowhere", RecordType::kStep, StepWith([](Step& s) { s.source.folder = kNoIndex; })},
-        {"source without a name", RecordType::kStep, StepWith([](Step& s) { s.source.name.clear(); })},
+        {"source without a name", RecordType::kStep, StepWith([](Step& s) { s.source.name = {}; })},
         {"copy to verify nowhere", RecordType::kStep,
          StepWith([](Step& s) { s.source.folder = kNoIndex; }, StepKind::kRemoveCopy)},
         {"replacing without keeping", RecordType::kStep,

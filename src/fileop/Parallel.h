@@ -10,21 +10,21 @@
 namespace kinsort {
 
 // Calls work(i) once for each i below `count`, on up to `threads` threads, and returns when all calls have returned.
-// `meanwhile` is called now and then on the calling thread, between its own pieces.
-inline void ForEachParallel(size_t count, unsigned threads, const std::function<void(size_t)>& work,
+// A thread takes `grain` neighbours at a time, at least 1. `meanwhile` is called now and then on the calling thread,
+// between its own pieces.
+inline void ForEachParallel(size_t count, size_t grain, unsigned threads, const std::function<void(size_t)>& work,
                             const std::function<void()>& meanwhile) {
-    constexpr size_t kRun = 8;  // neighbours are often in the same folder: let one thread have them
     std::atomic<size_t> next{0};
     const auto takeRuns = [&](bool isCaller) {
-        for (size_t begin = next.fetch_add(kRun); begin < count; begin = next.fetch_add(kRun)) {
-            for (size_t i = begin; i < count && i < begin + kRun; ++i) {
+        for (size_t begin = next.fetch_add(grain); begin < count; begin = next.fetch_add(grain)) {
+            for (size_t i = begin; i < count && i < begin + grain; ++i) {
                 work(i);
                 if (isCaller) meanwhile();
             }
         }
     };
     std::vector<std::jthread> helpers;
-    for (unsigned i = 1; i < threads && i * kRun < count; ++i) {
+    for (unsigned i = 1; i < threads && i * grain < count; ++i) {
         helpers.emplace_back([&takeRuns] { takeRuns(false); });
     }
     takeRuns(true);

@@ -19,7 +19,7 @@ TEST(ParallelTest, EveryPieceIsWorkedOnOnceWhateverTheNumbers) {
             std::set<std::thread::id> meanwhileOn;
             std::set<std::thread::id> workers;
             ForEachParallel(
-                count, threads,
+                count, 8, threads,
                 [&](size_t i) {
                     calls[i].fetch_add(1);
                     const std::lock_guard lock(mutex);
@@ -38,7 +38,7 @@ TEST(ParallelTest, TheThreadsReallyWorkAtTheSameTime) {
     std::barrier meet(2);  // the first piece of each of two threads waits for the other's
     std::atomic<int> met{0};
     ForEachParallel(
-        16, 2,
+        16, 8, 2,
         [&](size_t i) {
             if (i % 8 != 0) return;
             meet.arrive_and_wait();

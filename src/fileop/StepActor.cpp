@@ -20,8 +20,8 @@ bool IsFolderGone(StatusCode code) {
 
 }  // namespace
 
-std::string SwapName(const std::string& keptName) {
-    return keptName + ".swap";
+std::string SwapName(std::string_view keptName) {
+    return std::string(keptName) + ".swap";
 }
 
 StepResult StepActor::OpenFolder(uint32_t index, bool isTarget, Folder& folder) {
@@ -201,7 +201,7 @@ StepResult StepActor::PublishContent(uint32_t index, PreparedContent& prepared, 
 }
 
 StepResult StepActor::PlaceContent(uint32_t index, PreparedContent& prepared, const FileHandle& folder,
-                                   const std::string& name, FileIdentity& made) {
+                                   std::string_view name, FileIdentity& made) {
     const Step& step = batch_.steps[index];
     Status placed;
     if (step.sourceId.kind == FileKind::kLink || step.isHardLink) return PlaceLink(step, folder, name, made);
@@ -219,8 +219,7 @@ StepResult StepActor::PlaceContent(uint32_t index, PreparedContent& prepared, co
     return {};
 }
 
-StepResult StepActor::PlaceLink(const Step& step, const FileHandle& folder, const std::string& name,
-                                FileIdentity& made) {
+StepResult StepActor::PlaceLink(const Step& step, const FileHandle& folder, std::string_view name, FileIdentity& made) {
     Folder from;
     if (StepResult opened = OpenFolder(step.source.folder, false, from); !opened.ok()) return opened;
     Status placed;
@@ -266,8 +265,8 @@ StepResult StepActor::ExchangeWithKept(uint32_t index, const FileIdentity& made)
     return displaced.ok() ? StepResult{ItemReason::kTargetTaken, {}} : Failed(displaced.status());
 }
 
-Status StepActor::Swap(const FileHandle& keptFolder, const std::string& kept, const FileHandle& targetFolder,
-                       const std::string& target) {
+Status StepActor::Swap(const FileHandle& keptFolder, std::string_view kept, const FileHandle& targetFolder,
+                       std::string_view target) {
     const Status swapped = sys_.Exchange(keptFolder, kept, targetFolder, target);
     if (swapped.code() != StatusCode::kUnsupported) return swapped;
     return SwapByRenames(keptFolder, kept, targetFolder, target);
@@ -278,8 +277,8 @@ bool StepActor::IsStillKept(const FileHandle& keptFolder, uint32_t index, const 
     return info.ok() && made.IsSameFile(*info);
 }
 
-Status StepActor::SwapByRenames(const FileHandle& keptFolder, const std::string& kept, const FileHandle& targetFolder,
-                                const std::string& target) {
+Status StepActor::SwapByRenames(const FileHandle& keptFolder, std::string_view kept, const FileHandle& targetFolder,
+                                std::string_view target) {
     const std::string aside = SwapName(kept);
     if (Status moved = RenameFile(targetFolder, target, keptFolder, aside, FileKind::kFile); !moved.ok()) return moved;
     if (Status moved = RenameFile(keptFolder, kept, targetFolder, target, FileKind::kFile); !moved.ok()) {
@@ -293,8 +292,8 @@ Status StepActor::SwapByRenames(const FileHandle& keptFolder, const std::string&
     return back.ok() ? settled : back;
 }
 
-Status StepActor::RenameFile(const FileHandle& fromFolder, const std::string& from, const FileHandle& toFolder,
-                             const std::string& to, FileKind kind) {
+Status StepActor::RenameFile(const FileHandle& fromFolder, std::string_view from, const FileHandle& toFolder,
+                             std::string_view to, FileKind kind) {
     const Status renamed = sys_.RenameNoReplace(fromFolder, from, toFolder, to);
     if (renamed.code() != StatusCode::kUnsupported || kind == FileKind::kFolder) return renamed;
     // A second name is never made over an existing one, so link and remove is a rename that replaces nothing.

@@ -73,22 +73,22 @@ class StepActor {
     StepResult CopyAttributes(const FileHandle& from, const FileInfo& info, PreparedContent& prepared);
     StepResult PublishMove(uint32_t index, const FileIdentity& made);
     StepResult PublishContent(uint32_t index, PreparedContent& prepared, FileIdentity& made);
-    StepResult PlaceContent(uint32_t index, PreparedContent& prepared, const FileHandle& folder,
-                            const std::string& name, FileIdentity& made);
-    StepResult PlaceLink(const Step& step, const FileHandle& folder, const std::string& name, FileIdentity& made);
+    StepResult PlaceContent(uint32_t index, PreparedContent& prepared, const FileHandle& folder, std::string_view name,
+                            FileIdentity& made);
+    StepResult PlaceLink(const Step& step, const FileHandle& folder, std::string_view name, FileIdentity& made);
     StepResult RemoveVerified(uint32_t index);
     StepResult RemoveUnchangedSource(uint32_t index, const FileInfo& copied);
     StepResult MakeFolder(const Step& step, const FileHandle& parent, FileIdentity& made);
     void CopyFolderAttributes(const Step& step, const FileHandle& folder);
-    Status RenameFile(const FileHandle& fromFolder, const std::string& from, const FileHandle& toFolder,
-                      const std::string& to, FileKind kind);
+    Status RenameFile(const FileHandle& fromFolder, std::string_view from, const FileHandle& toFolder,
+                      std::string_view to, FileKind kind);
     // Two names trade places: at once where the volume can, else by three renames.
-    Status Swap(const FileHandle& keptFolder, const std::string& kept, const FileHandle& targetFolder,
-                const std::string& target);
+    Status Swap(const FileHandle& keptFolder, std::string_view kept, const FileHandle& targetFolder,
+                std::string_view target);
     // Whether the kept name of a step still holds the new file.
     bool IsStillKept(const FileHandle& keptFolder, uint32_t index, const FileIdentity& made);
-    Status SwapByRenames(const FileHandle& keptFolder, const std::string& kept, const FileHandle& targetFolder,
-                         const std::string& target);
+    Status SwapByRenames(const FileHandle& keptFolder, std::string_view kept, const FileHandle& targetFolder,
+                         std::string_view target);
 
     Sys& sys_;
     FolderTable& folders_;
@@ -98,6 +98,6 @@ class StepActor {
 };
 
 // Where a replaced file waits for a moment on a volume that cannot swap two names.
-std::string SwapName(const std::string& keptName);
+std::string SwapName(std::string_view keptName);
 
 }  // namespace kinsort

@@ -137,7 +137,7 @@ ExitCode RunOpen(CliContext& context, const CommandLine& line) {
         handOff.OtherTabFolders.push_back(std::move(folder));
     }
     ItemList items = CollectItems(context, dialog.items);
-    SayMissing(context, items);
+    SayMissing(context, items.missing);
     if (items.source == ItemSource::kFailed || items.source == ItemSource::kCancelled) return ExitCode::kNothing;
     if (items.paths.empty() && !items.missing.empty()) return ExitCode::kNothing;
     for (std::u16string& path : items.paths)

@@ -7,7 +7,7 @@ ExitCode RunPlan(CliContext& context, const CommandLine& line) {
     if (std::optional<FileOperationServices> engine = context.EngineServices())
         context.WarnOfUnfinishedBatches(*engine);
     SortingPlan plan;
-    if (const std::optional<ExitCode> code = MakeSortingPlan(context, line, plan)) return *code;
+    if (const std::optional<ExitCode> code = MakeSortingPlan(context, line, ItemCheck::kExists, plan)) return *code;
     return PrintPlan(context, line, plan);
 }
 

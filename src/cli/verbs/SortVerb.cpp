@@ -5,6 +5,7 @@
 #include "cli/CommandLine.h"
 #include "cli/ConsoleAsker.h"
 #include "cli/ConsoleProgress.h"
+#include "cli/ExistenceCheck.h"
 #include "cli/SortingPlan.h"
 
 namespace kinsort {
@@ -46,7 +47,9 @@ ExitCode RunSort(CliContext& context, const CommandLine& line) {
     if (!engine) return ExitCode::kNothing;
     context.WarnOfUnfinishedBatches(*engine);
     SortingPlan plan;
-    if (const std::optional<ExitCode> code = MakeSortingPlan(context, line, plan)) return *code;
+    // The engine looks at every item that it is given: looking here too would take twice the time.
+    const ItemCheck check = line.Has(OptionId::kDryRun) ? ItemCheck::kExists : ItemCheck::kNotNow;
+    if (const std::optional<ExitCode> code = MakeSortingPlan(context, line, check, plan)) return *code;
     if (line.Has(OptionId::kDryRun)) {
         const ExitCode code = PrintPlan(context, line, plan);
         if (const size_t taken = CountTakenNames(context, plan); taken > 0) {
@@ -59,21 +62,30 @@ ExitCode RunSort(CliContext& context, const CommandLine& line) {
 
     BatchReport report;
     report.action = line.Has(OptionId::kMove) ? BatchAction::kMove : BatchAction::kCopy;
-    report.missing = plan.missing;
     report.journalFolder = engine->journalFolder;
     FileOperation operation(*engine);
     operation.SetPolicy(PolicyOf(line));
+    std::vector<MissingItem> missing;
+    ExistenceCheck existence(context.services);
     for (size_t i = 0; i < plan.rows.GetCount(); ++i) {
         std::u16string& path = plan.rows[i].strPath;
         std::u16string target = TargetFolderOf(plan, i);
         if (target.empty()) {
-            report.withoutCandidate.push_back(std::move(path));
+            if (const Status there = existence.Look(path); there.ok()) {
+                report.withoutCandidate.push_back(std::move(path));
+            } else {
+                const std::string native = context.NativePath(path);
+                missing.push_back({native, native, there});
+            }
         } else if (report.action == BatchAction::kMove) {
             operation.MoveItems(std::move(path), std::move(target));
         } else {
             operation.CopyItems(std::move(path), std::move(target));
         }
     }
+    SayMissing(context, missing);
+    report.missing = std::move(plan.missing);
+    report.missing.insert(report.missing.end(), missing.begin(), missing.end());
     {
         ConsoleProgress progress(context, report.action);
         ConsoleAsker asker(context, progress);
