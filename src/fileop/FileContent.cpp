@@ -17,7 +17,7 @@ constexpr uint64_t kChunk = 8 << 20;
 constexpr uint64_t kSparseSlack = 64 << 10;
 
 std::span<std::byte> ThreadBuffer() {
-    thread_local std::vector<std::byte> buffer(kBufferSize + 1);
+    thread_local std::vector<std::byte> buffer(kBufferSize);
     return buffer;
 }
 
@@ -77,9 +77,9 @@ struct ContentCopy {
         return sys.SetSize(to, size);
     }
 
-    // One buffer holds it; a byte more is asked for so that a file that grew is noticed by a longer read.
+    // One buffer holds it.
     Status CopySmall(uint64_t size) {
-        const std::span<std::byte> buffer = ThreadBuffer().first(size + 1);
+        const std::span<std::byte> buffer = ThreadBuffer().first(size);
         const Result<size_t> got = ReadUpTo(sys, from, 0, buffer);
         if (!got.ok()) return got.status();
         if (Status written = WriteAll(sys, to, 0, buffer.first(*got)); !written.ok()) return written;

@@ -14,7 +14,7 @@ void ProgressMeter::Report(int64_t now, std::u16string name) {
     hasReported_ = true;
     lastReport_ = now;
     ProgressState state;
-    state.phase = phase_;
+    state.phase = phase_.load(std::memory_order_relaxed);
     state.itemsDone = items_.load(std::memory_order_relaxed);
     state.itemsTotal = std::max(itemsTotal_, state.itemsDone);
     state.bytesDone = bytes_.load(std::memory_order_relaxed);

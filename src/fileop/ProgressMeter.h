@@ -20,10 +20,10 @@ class ProgressMeter {
     // From any thread.
     void AddItems(uint64_t count) { items_.fetch_add(count, std::memory_order_relaxed); }
     void AddBytes(uint64_t count) { bytes_.fetch_add(count, std::memory_order_relaxed); }
+    void SetPhase(BatchPhase phase) { phase_.store(phase, std::memory_order_relaxed); }
 
     // On the thread that runs the batch. The name is asked for only when it is about to be shown.
     void SetTotals(uint64_t items, uint64_t bytes);
-    void SetPhase(BatchPhase phase) { phase_ = phase; }
     template <typename NameOf>
     void Tick(const NameOf& nameOf) {
         if (sink_ == nullptr) return;
@@ -47,7 +47,7 @@ class ProgressMeter {
 
     Clock& clock_;
     ProgressSink* sink_;
-    BatchPhase phase_ = BatchPhase::kPlanning;
+    std::atomic<BatchPhase> phase_ = BatchPhase::kPlanning;
     uint64_t itemsTotal_ = 0;
     uint64_t bytesTotal_ = 0;
     std::atomic<uint64_t> items_{0};

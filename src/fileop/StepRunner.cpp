@@ -4,6 +4,7 @@
 #include <map>
 #include <utility>
 
+#include "fileop/FolderRuns.h"
 #include "fileop/JournalRecords.h"
 #include "fileop/Parallel.h"
 
@@ -38,15 +39,20 @@ StepRunner::StepRunner(const FileOperationServices& services, Batch& batch, Fold
       settings_(settings),
       actor_(services.sys, folders, batch, cancel),
       journaledFolders_(batch.folders.size()),
-      plannedSteps_(batch.steps.size()) {}
+      plannedSteps_(batch.steps.size()),
+      preparesAhead_(settings.threads > 1) {}
 
 Status StepRunner::Run() {
     meter_.SetPhase(BatchPhase::kRunning);
     while (!wasCancelled()) {
         Group group = TakeGroup();
         if (group.empty()) break;
-        if (Status done = RunGroup(group); !done.ok()) return done;
+        if (Status done = RunGroup(group); !done.ok()) {
+            DropAhead();
+            return done;
+        }
     }
+    DropAhead();
     Group owed = TakeOwed();
     return owed.empty() ? Status() : RunGroup(owed);
 }
@@ -74,6 +80,21 @@ StepRunner::Group StepRunner::TakeGroup() {
         take(again_.front());
     // What was put off may be what the rest depends on.
     if (!group.empty()) return group;
+    group = ahead_.empty() ? TakeNextPlanned() : std::exchange(ahead_, {});
+    if (!group.empty()) return group;
+    for (; !finishLast_.empty(); finishLast_.pop_front())
+        take(finishLast_.front());
+    return group;
+}
+
+StepRunner::Group StepRunner::TakeNextPlanned() {
+    Group group;
+    const auto take = [&](uint32_t index) {
+        if (batch_.states[index].progress != StepProgress::kPending) return;
+        group.emplace_back();
+        group.back().index = index;
+    };
+    group.reserve(std::min(settings_.groupSize, batch_.steps.size() - next_));
     uint64_t bytes = 0;
     for (; next_ < batch_.steps.size() && group.size() < settings_.groupSize && bytes < settings_.groupBytes; ++next_) {
         take(next_);
@@ -82,9 +103,6 @@ StepRunner::Group StepRunner::TakeGroup() {
     // A step and those that depend on it stay together.
     for (; next_ < batch_.steps.size() && batch_.steps[next_].dependsOnPrevious; ++next_)
         take(next_);
-    if (!group.empty()) return group;
-    for (; !finishLast_.empty(); finishLast_.pop_front())
-        take(finishLast_.front());
     return group;
 }
 
@@ -94,8 +112,7 @@ Status StepRunner::RunGroup(Group& group) {
     PrepareAll(group);
     AskAboutFullVolume(group);
     DropWhenCancelled(group);
-    SyncContents(group, batch_.header.durability == Durability::kJournal);
-    if (Status recorded = RecordPrepared(group); !recorded.ok()) {
+    if (Status recorded = MakeSafe(group); !recorded.ok()) {
         for (Slot& slot : group)
             actor_.Discard(slot.index, slot.content);
         return recorded;
@@ -107,6 +124,61 @@ Status StepRunner::RunGroup(Group& group) {
     }
     FinishFolders(group);
     return RecordOutcome(group);
+}
+
+Status StepRunner::MakeSafe(Group& group) {
+    const auto makeSafe = [&] {
+        SyncContents(group, batch_.header.durability == Durability::kJournal);
+        return RecordPrepared(group);
+    };
+    if (!preparesAhead_ || !HoldsOpen(group)) return makeSafe();
+    if (ahead_.empty() && !wasCancelled()) ahead_ = TakeNextPlanned();
+    if (ahead_.empty()) return makeSafe();
+    Status safe;
+    {
+        const std::jthread beside([&] { safe = makeSafe(); });
+        PrepareAhead();
+    }
+    return safe;
+}
+
+void StepRunner::PrepareAhead() {
+    ForEach(ahead_, [this](Slot& slot) {
+        const Step& step = batch_.steps[slot.index];
+        const bool isContent = MakesContent(step.kind) && step.sourceId.kind == FileKind::kFile && !step.isHardLink;
+        const bool hasFolder = batch_.folders[step.target.folder].inode != 0;
+        if (!isContent || !hasFolder || step.dependsOnPrevious || slot.content.file.isOpen()) return;
+        if (cancel_.isCancelled()) return;
+        FileIdentity& made = batch_.states[slot.index].made;
+        slot.result = actor_.Prepare(
+            slot.index, [](uint64_t) {}, slot.content, made);
+        if (!slot.result.ok()) return;
+        meter_.AddBytes(slot.content.source.size);
+        Count(slot);
+    });
+    const bool isShort = HasTooManyOpen(ahead_);
+    for (Slot& slot : ahead_)
+        slot.result = {};  // the group's own turn tells whether it is a failure
+    if (isShort) StopPreparingAhead();
+}
+
+void StepRunner::DropAhead() {
+    for (Slot& slot : ahead_)
+        actor_.Discard(slot.index, slot.content);
+}
+
+void StepRunner::StopPreparingAhead() {
+    preparesAhead_ = false;
+    DropAhead();
+}
+
+bool StepRunner::HasTooManyOpen(const Group& group) {
+    return std::any_of(group.begin(), group.end(),
+                       [](const Slot& slot) { return slot.result.status.code() == StatusCode::kTooManyOpen; });
+}
+
+bool StepRunner::HoldsOpen(const Group& group) {
+    return std::any_of(group.begin(), group.end(), [](const Slot& slot) { return slot.content.file.isOpen(); });
 }
 
 void StepRunner::MakeFolders(Group& group) {
@@ -121,7 +193,7 @@ void StepRunner::MakeFolders(Group& group) {
 void StepRunner::PrepareAll(Group& group) {
     ForEach(group, [this](Slot& slot) {
         const Step& step = batch_.steps[slot.index];
-        if (step.dependsOnPrevious || cancel_.isCancelled()) return;
+        if (step.dependsOnPrevious || slot.content.file.isOpen() || cancel_.isCancelled()) return;
         if (MakesContent(step.kind)) {
             const auto countBytes = [this](uint64_t bytes) { meter_.AddBytes(bytes); };
             slot.result = actor_.Prepare(slot.index, countBytes, slot.content, batch_.states[slot.index].made);
@@ -131,8 +203,8 @@ void StepRunner::PrepareAll(Group& group) {
         }
     });
     // Without descriptors left the rest of the group waits until this part of it is done and closed.
-    const bool hasAny =
-        std::any_of(group.begin(), group.end(), [](const Slot& slot) { return slot.content.file.isOpen(); });
+    const bool hasAny = HoldsOpen(group) || HoldsOpen(ahead_);
+    if (HasTooManyOpen(group)) StopPreparingAhead();
     for (Slot& slot : group) {
         if (slot.result.ok()) continue;
         if (slot.result.status.code() == StatusCode::kTooManyOpen && hasAny) {
@@ -277,7 +349,8 @@ void StepRunner::FinishFolders(Group& group) {
         // Only what belongs to a step that is done already is still done after a cancel: no item is left half-way.
         const bool isOwed = step.dependsOnPrevious && batch_.states[slot.index - 1].progress == StepProgress::kDone;
         if (slot.isSettled || (wasCancelled() && !isOwed)) continue;
-        const bool hasNewSteps = next_ < batch_.steps.size() && batch_.steps.size() > plannedSteps_;
+        const bool isLast = next_ == batch_.steps.size() && ahead_.empty();
+        const bool hasNewSteps = !isLast && batch_.steps.size() > plannedSteps_;
         if (IsFolderStep(step.kind) && (!again_.empty() || hasNewSteps)) {
             finishLast_.push_front(slot.index);
             continue;
@@ -346,6 +419,7 @@ void StepRunner::SettleFailure(Slot& slot) {
 bool StepRunner::TryWithFewerOpen(Slot& slot) {
     if (slot.result.status.code() != StatusCode::kTooManyOpen || replans_[slot.index]++ >= kMostReplans) return false;
     folders_.KeepFewOpen();
+    StopPreparingAhead();
     batch_.states[slot.index] = {};
     again_.push_back(slot.index);
     return true;
@@ -391,12 +465,19 @@ void StepRunner::Rejournal(uint32_t index) {
 }
 
 void StepRunner::ForEach(Group& group, const std::function<void(Slot&)>& work) {
-    ForEachParallel(
-        group.size(), settings_.threads,
-        [&](size_t i) {
-            if (!group[i].isSettled) work(group[i]);
-        },
-        [&] { Tick(group); });
+    std::vector<Slot*> open;
+    std::vector<uint32_t> indices;
+    for (Slot& slot : group) {
+        if (slot.isSettled) continue;
+        open.push_back(&slot);
+        indices.push_back(slot.index);
+    }
+    const std::vector<std::vector<size_t>> runs = SplitByFolder(batch_.steps, indices);
+    const auto workOff = [&](size_t run) {
+        for (const size_t position : runs[run])
+            work(*open[position]);
+    };
+    ForEachParallel(runs.size(), 1, settings_.threads, workOff, [&] { Tick(group); });
 }
 
 void StepRunner::Tick(const Group& group) {

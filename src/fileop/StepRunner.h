@@ -47,15 +47,24 @@ class StepRunner {
     using Group = std::vector<Slot>;
 
     Group TakeGroup();
+    Group TakeNextPlanned();
     Group TakeOwed();
     Status RunGroup(Group& group);
     void MakeFolders(Group& group);
     void PrepareAll(Group& group);
+    // What the next group can have ready while the disk is busy with this one.
+    void PrepareAhead();
+    // Gives back what that holds open; the steps stay pending.
+    void DropAhead();
+    // The same, and holds nothing open for a later group from now on.
+    void StopPreparingAhead();
     void AskAboutFullVolume(Group& group);
     void DropWhenCancelled(Group& group);
     void SyncContents(Group& group, bool onlyTransfers);
     void SyncVolumeOf(uint32_t folder, const std::vector<Slot*>& slots);
     Status RecordPrepared(const Group& group);
+    // Both of the above; meanwhile the next group is prepared.
+    Status MakeSafe(Group& group);
     void PublishAll(Group& group);
     Status FinishTransfers(Group& group);
     void FinishFolders(Group& group);
@@ -64,6 +73,8 @@ class StepRunner {
     void Count(Slot& slot);
     // Decides what becomes of a step that did not work out.
     void SettleFailure(Slot& slot);
+    static bool HasTooManyOpen(const Group& group);
+    static bool HoldsOpen(const Group& group);
     // Writes a changed or new step, with folders that only it uses, into the journal.
     void Rejournal(uint32_t index);
     bool TryWithFewerOpen(Slot& slot);
@@ -85,6 +96,8 @@ class StepRunner {
     size_t journaledFolders_;
     const size_t plannedSteps_;        // before anything had to be planned anew
     uint32_t next_ = 0;                // first step that was in no group yet
+    Group ahead_;                      // the group after the one that is run; what it has prepared has no name yet
+    bool preparesAhead_;               // not with one thread, and not once descriptors have run out
     std::deque<uint32_t> again_;       // steps that are to be tried once more
     std::deque<uint32_t> finishLast_;  // ends of folders that still get something, the innermost first
     bool mustSyncJournal_ = false;     // the plan was changed since the last sync

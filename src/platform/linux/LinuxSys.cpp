@@ -382,14 +382,15 @@ std::unique_ptr<Sys> MakeLinuxSys() {
 }
 
 void PrepareLinuxProcess() {
-    rlimit files;
+    rlimit files = {};
     if (getrlimit(RLIMIT_NOFILE, &files) == 0 && files.rlim_cur < files.rlim_max) {
         files.rlim_cur = files.rlim_max;
         (void)setrlimit(RLIMIT_NOFILE, &files);
     }
     // A table of descriptors that grows while threads share it waits for all processors each time: let it grow now.
-    constexpr int kManyFiles = 2048;
-    if (const int high = fcntl(STDIN_FILENO, F_DUPFD_CLOEXEC, kManyFiles); high >= 0) close(high);
+    constexpr rlim_t kManyFiles = 8192;
+    const int last = static_cast<int>(std::min(kManyFiles, files.rlim_cur - 1));
+    if (const int high = fcntl(STDIN_FILENO, F_DUPFD_CLOEXEC, last); high >= 0) close(high);
     (void)signal(SIGXFSZ, SIG_IGN);
     (void)signal(SIGPIPE, SIG_IGN);
 }
