@@ -40,7 +40,7 @@ enum class Durability : uint8_t {
 struct OperationPolicy {
     ConflictAnswer conflicts = ConflictAnswer::kAsk;
     Durability durability = Durability::kContent;
-    unsigned threads = 2;
+    unsigned threads = 3;  // one more than usually work at a time: they also wait for the disk
 };
 
 // Bits of SetOperationFlags; the platform's own values.

@@ -19,7 +19,7 @@
 namespace kinsort {
 
 struct RunnerSettings {
-    unsigned threads = 2;
+    unsigned threads = OperationPolicy().threads;
     size_t groupSize = 4000;                  // steps that become durable and visible together,
     uint64_t groupBytes = uint64_t{1} << 30;  // and the bytes that they make, about
 };

@@ -15,7 +15,7 @@ namespace kinsort {
 namespace {
 
 const CancelToken kNeverCancelled;
-constexpr unsigned kThreads = 2;
+constexpr unsigned kThreads = OperationPolicy().threads;
 
 BatchResult Refused(Status status) {
     BatchResult result;
