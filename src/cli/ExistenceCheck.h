@@ -14,6 +14,8 @@ class ExistenceCheck {
   public:
     explicit ExistenceCheck(CliServices& services) : services_(services) {}
 
+    // kInvalid for a root, which has no name.
+    static Status CheckHasName(std::u16string_view path);
     // Success when something stands at `path` (inner form, absolute), else why not; kInvalid for a root, which has no
     // name in a folder. On any thread.
     Status Look(const std::u16string& path);

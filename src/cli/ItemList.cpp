@@ -58,8 +58,10 @@ void AddItems(CliContext& context, size_t count, unsigned threads, ItemCheck wan
     const auto look = [&](size_t i) {
         if (context.cancel.isCancelled()) return;
         looked[i].path = resolve(i);
-        looked[i].status = looked[i].path.status();
-        if (looked[i].path.ok() && wanted == ItemCheck::kExists) looked[i].status = existence.Look(*looked[i].path);
+        const Result<std::u16string>& path = looked[i].path;
+        looked[i].status = !path.ok()                     ? path.status()
+                           : wanted == ItemCheck::kExists ? existence.Look(*path)
+                                                          : ExistenceCheck::CheckHasName(*path);
     };
     constexpr size_t kGrain = 64;
     ForEachParallel(count, kGrain, threads, look, [] {});

@@ -17,7 +17,7 @@ constexpr uint64_t kChunk = 8 << 20;
 constexpr uint64_t kSparseSlack = 64 << 10;
 
 std::span<std::byte> ThreadBuffer() {
-    thread_local std::vector<std::byte> buffer(kBufferSize);
+    thread_local std::vector<std::byte> buffer(kBufferSize + 1);
     return buffer;
 }
 
@@ -77,10 +77,10 @@ struct ContentCopy {
         return sys.SetSize(to, size);
     }
 
-    // One buffer holds it.
+    // One buffer holds it. A byte more is asked for: some volumes do not tell a file's true size.
     Status CopySmall(uint64_t size) {
-        const std::span<std::byte> buffer = ThreadBuffer().first(size);
-        const Result<size_t> got = ReadUpTo(sys, from, 0, buffer);
+        const std::span<std::byte> buffer = ThreadBuffer().first(size + 1);
+        const Result<size_t> got = ReadUpTo(sys, from, 0, buffer, size);
         if (!got.ok()) return got.status();
         if (Status written = WriteAll(sys, to, 0, buffer.first(*got)); !written.ok()) return written;
         copied(*got);
@@ -102,9 +102,9 @@ Status WriteAll(Sys& sys, const FileHandle& file, uint64_t offset, std::span<con
     return {};
 }
 
-Result<size_t> ReadUpTo(Sys& sys, const FileHandle& file, uint64_t offset, std::span<std::byte> buffer) {
+Result<size_t> ReadUpTo(Sys& sys, const FileHandle& file, uint64_t offset, std::span<std::byte> buffer, size_t enough) {
     size_t total = 0;
-    while (total < buffer.size()) {
+    while (total < buffer.size() && (total < enough || total == 0)) {
         const Result<size_t> got = sys.Read(file, offset + total, buffer.subspan(total));
         if (got.code() == StatusCode::kInterrupted) continue;
         if (!got.ok()) return got;

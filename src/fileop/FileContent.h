@@ -16,8 +16,9 @@ namespace kinsort {
 
 Status WriteAll(Sys& sys, const FileHandle& file, uint64_t offset, std::span<const std::byte> data);
 
-// Reads up to `size` bytes from `offset`; fewer at the end of the file.
-Result<size_t> ReadUpTo(Sys& sys, const FileHandle& file, uint64_t offset, std::span<std::byte> buffer);
+// Fills the buffer from `offset` on; fewer bytes at the end of the file. Stops when there are `enough`.
+Result<size_t> ReadUpTo(Sys& sys, const FileHandle& file, uint64_t offset, std::span<std::byte> buffer,
+                        size_t enough = SIZE_MAX);
 
 // The whole file; kFileTooLarge beyond `limit` bytes.
 Result<std::string> ReadWhole(Sys& sys, const FileHandle& file, uint64_t limit);

@@ -40,7 +40,7 @@ enum class Durability : uint8_t {
 struct OperationPolicy {
     ConflictAnswer conflicts = ConflictAnswer::kAsk;
     Durability durability = Durability::kContent;
-    unsigned threads = 3;  // one more than usually work at a time: they also wait for the disk
+    unsigned threads = 3;  // that copy at the same time: one more than two processors can use, they wait for the disk
 };
 
 // Bits of SetOperationFlags; the platform's own values.
@@ -119,6 +119,8 @@ class FileOperation {
   public:
     explicit FileOperation(FileOperationServices services);
     ~FileOperation();
+    FileOperation(const FileOperation&) = delete;  // what is queued points into it
+    FileOperation& operator=(const FileOperation&) = delete;
 
     // Queues one item for an existing folder, in which it keeps its own name. Paths in the inner form. Nothing is
     // looked at before PerformOperations.

@@ -435,6 +435,26 @@ TEST_F(FileOperationTest, ACancelLeavesWholeItemsThatCanBeUndone) {
     }
 }
 
+// One item leaves the name that the next one takes, whatever order their folders have.
+TEST_F(FileOperationTest, ItemsThatFollowEachOtherGoInTheirOrder) {
+    for (const char* first : {"/out/A", "/out/B"}) {
+        const std::string second = first == std::string("/out/A") ? "/out/B" : "/out/A";
+        for (const unsigned threads : {1u, 3u}) {
+            disk.WriteFile(std::string(first) + "/a.txt", "old");
+            const std::string before = BatchWorld::Tree(disk);
+            const OperationPolicy policy{.conflicts = ConflictAnswer::kReplace, .threads = threads};
+            const std::vector<Job> jobs{
+                {true, "/in/b.txt", first}, {true, std::string(first) + "/a.txt", second}, {true, "/in/a.txt", first}};
+            EXPECT_EQ(world.Run(disk, jobs, policy).done, 3u);
+            EXPECT_EQ(disk.ReadFile(second + "/a.txt"), "old");
+            EXPECT_EQ(disk.ReadFile(std::string(first) + "/a.txt"), "AAA");
+            EXPECT_EQ(world.Undo(disk).failed, 0u);
+            EXPECT_EQ(BatchWorld::Tree(disk), before);
+            disk.Remove(std::string(first) + "/a.txt");
+        }
+    }
+}
+
 TEST_F(FileOperationTest, ClosedFoldersAndTheirAttributesGoThereAndBack) {
     disk.SetUserAttribute("/in/album", "user.tag", "blue");
     disk.SetModeOf("/in/album/deep", 0555);

@@ -11,9 +11,10 @@
 
 namespace kinsort {
 
-// Splits the steps with these indices into runs that one thread each works off: positions in `indices`, each once, all
-// of a run with one target folder. A run is short enough, in steps and in bytes to be copied, that the threads finish
-// at about the same time.
+// Splits the steps with these indices, which stand in the order of the plan, into runs that one thread each works off:
+// positions in `indices`, each once. All of a run have one target folder, and a run is short enough, in steps and in
+// bytes to be read, that the threads finish at about the same time. Where one step takes names from a folder and
+// another puts names into it, their order may matter: all that touch such folders are one run, in the plan's order.
 std::vector<std::vector<size_t>> SplitByFolder(const std::vector<Step>& steps, std::span<const uint32_t> indices);
 
 }  // namespace kinsort

@@ -38,8 +38,7 @@ Status Journal::Sync() {
 
 Status Journal::Reserve(uint64_t bytes) {
     const Status reserved = sys_->Reserve(file_, length_ + buffer_.size() + bytes);
-    const bool isFull = reserved.code() == StatusCode::kNoSpace || reserved.code() == StatusCode::kQuota;
-    return isFull ? reserved : Status();
+    return MeansFull(reserved.code()) ? reserved : Status();
 }
 
 }  // namespace kinsort

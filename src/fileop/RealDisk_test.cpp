@@ -281,6 +281,15 @@ TEST_F(RealNamesAndKinds, HolesStayHoles) {
     }
 }
 
+// The system gives this file out as empty: an empty copy must not count as one.
+TEST_F(RealNamesAndKinds, AFileThatHidesItsSizeIsNotCopiedShort) {
+    FileOperation operation(ServicesOn(*sys_));
+    operation.SetPolicy(kSkip);
+    operation.CopyItems(codec_->PathToInner("/proc/version"), codec_->PathToInner(P("out/A")));
+    EXPECT_EQ(operation.PerformOperations(nullptr, nullptr, nullptr).failed, 1u);
+    EXPECT_EQ(Tree("out"), "A/ B/");
+}
+
 TEST_F(RealNamesAndKinds, HardLinksAreSeenAsWhatTheyAre) {
     WriteFile("in/one", "shared");
     ASSERT_EQ(link(P("in/one").c_str(), P("in/two").c_str()), 0);

@@ -6,6 +6,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace kinsort {
 
@@ -20,6 +21,17 @@ class SharedName {
     }
     SharedName(const std::string& name) : SharedName(std::string_view(name)) {}  // NOLINT: as above
     SharedName(const char* name) : SharedName(std::string_view(name)) {}         // NOLINT: as above
+
+    SharedName(const SharedName&) = default;
+    SharedName& operator=(const SharedName&) = default;
+    SharedName(SharedName&& other) noexcept
+        : bytes_(std::move(other.bytes_)), size_(std::exchange(other.size_, size_t{0})) {}
+    SharedName& operator=(SharedName&& other) noexcept {
+        bytes_ = std::move(other.bytes_);
+        size_ = std::exchange(other.size_, size_t{0});
+        return *this;
+    }
+    ~SharedName() = default;
 
     std::string_view view() const { return {bytes_.get(), size_}; }
     operator std::string_view() const { return view(); }  // NOLINT(google-explicit-constructor)

@@ -61,16 +61,16 @@ StepResult StepActor::Prepare(uint32_t index, const ByteSink& copied, PreparedCo
         prepared.source = *info;
         return {};
     }
-    StepResult result = CopyOnce(index, *sourceFolder, *targetFolder, copied, prepared, made);
+    StepResult result = CopyOnce(index, *sourceFolder, targetFolder, copied, prepared, made);
     if (result.reason == ItemReason::kSourceChanged && result.status.code() == StatusCode::kChanged) {
         // Somebody wrote while we read. Once more; who writes all the time is told so.
         result = CopyOnce(
-            index, *sourceFolder, *targetFolder, [](uint64_t) {}, prepared, made);
+            index, *sourceFolder, targetFolder, [](uint64_t) {}, prepared, made);
     }
     return result;
 }
 
-StepResult StepActor::CopyOnce(uint32_t index, const FileHandle& sourceFolder, const FileHandle& targetFolder,
+StepResult StepActor::CopyOnce(uint32_t index, const FileHandle& sourceFolder, const Folder& targetFolder,
                                const ByteSink& copied, PreparedContent& prepared, FileIdentity& made) {
     const Step& step = batch_.steps[index];
     const Result<FileHandle> from = sys_.OpenForRead(sourceFolder, step.source.name);
@@ -104,22 +104,18 @@ StepResult StepActor::CopyOnce(uint32_t index, const FileHandle& sourceFolder, c
     return result;
 }
 
-StepResult StepActor::MakeEmptyFile(uint32_t index, const FileHandle& folder, uint32_t mode,
-                                    PreparedContent& prepared) {
-    prepared.hasTemporaryName = false;
-    Result<FileHandle> file = sys_.CreateNameless(folder, mode);
+StepResult StepActor::MakeEmptyFile(uint32_t index, const Folder& folder, uint32_t mode, PreparedContent& prepared) {
+    prepared.temporaryFolder = nullptr;
+    Result<FileHandle> file = sys_.CreateNameless(*folder, mode);
     if (file.code() == StatusCode::kUnsupported) {
         const std::string name = TemporaryName(batch_.header.id, index);
-        prepared.hasTemporaryName = true;
-        file = sys_.CreateFileAt(folder, name, mode);
-        if (file.code() == StatusCode::kExists && sys_.RemoveFileAt(folder, name).ok()) {  // an earlier try of ours
-            file = sys_.CreateFileAt(folder, name, mode);
+        file = sys_.CreateFileAt(*folder, name, mode);
+        if (file.code() == StatusCode::kExists && sys_.RemoveFileAt(*folder, name).ok()) {  // an earlier try of ours
+            file = sys_.CreateFileAt(*folder, name, mode);
         }
+        if (file.ok()) prepared.temporaryFolder = folder;
     }
-    if (!file.ok()) {
-        prepared.hasTemporaryName = false;
-        return Failed(file.status());
-    }
+    if (!file.ok()) return Failed(file.status());
     prepared.file = std::move(*file);
     return {};
 }
@@ -132,10 +128,9 @@ StepResult StepActor::CopyAttributes(const FileHandle& from, const FileInfo& inf
 
 void StepActor::Discard(uint32_t index, PreparedContent& prepared) {
     prepared.file.Reset();
-    if (!prepared.hasTemporaryName) return;
-    prepared.hasTemporaryName = false;
-    if (const auto folder = folders_.Open(batch_.steps[index].target.folder); folder.ok()) {
-        (void)sys_.RemoveFileAt(**folder, TemporaryName(batch_.header.id, index));
+    // The folder may have another place by now.
+    if (const Folder folder = std::exchange(prepared.temporaryFolder, nullptr); folder != nullptr) {
+        (void)sys_.RemoveFileAt(*folder, TemporaryName(batch_.header.id, index));
     }
 }
 
@@ -205,11 +200,10 @@ StepResult StepActor::PlaceContent(uint32_t index, PreparedContent& prepared, co
     const Step& step = batch_.steps[index];
     Status placed;
     if (step.sourceId.kind == FileKind::kLink || step.isHardLink) return PlaceLink(step, folder, name, made);
-    if (prepared.hasTemporaryName) {
-        Folder to;
-        if (StepResult opened = OpenFolder(step.target.folder, true, to); !opened.ok()) return opened;
-        placed = RenameFile(*to, TemporaryName(batch_.header.id, index), folder, name, FileKind::kFile);
-        if (placed.ok()) prepared.hasTemporaryName = false;
+    if (prepared.temporaryFolder != nullptr) {
+        const std::string temporary = TemporaryName(batch_.header.id, index);
+        placed = RenameFile(*prepared.temporaryFolder, temporary, folder, name, FileKind::kFile);
+        if (placed.ok()) prepared.temporaryFolder = nullptr;
     } else {
         placed = sys_.NameFile(prepared.file, folder, name);
     }

@@ -23,9 +23,10 @@ struct StepResult {
 
 // Content that is complete and has no visible name yet.
 struct PreparedContent {
-    FileHandle file;                // closed for links, which have no content to prepare
-    bool hasTemporaryName = false;  // the volume has no nameless files
-    FileInfo source;                // what was copied, as it was when it was read
+    FileHandle file;  // closed for links, which have no content to prepare
+    // Where its temporary name is; null when it has none, as on volumes with nameless files.
+    std::shared_ptr<const FileHandle> temporaryFolder;
+    FileInfo source;  // what was copied, as it was when it was read
 };
 
 class StepActor {
@@ -67,8 +68,8 @@ class StepActor {
     StepResult SourceFailed(const Status& status) const;
     StepResult CheckSource(const Step& step, const FileInfo& info) const;
     StepResult OpenFolder(uint32_t index, bool isTarget, Folder& folder);
-    StepResult MakeEmptyFile(uint32_t index, const FileHandle& folder, uint32_t mode, PreparedContent& prepared);
-    StepResult CopyOnce(uint32_t index, const FileHandle& sourceFolder, const FileHandle& targetFolder,
+    StepResult MakeEmptyFile(uint32_t index, const Folder& folder, uint32_t mode, PreparedContent& prepared);
+    StepResult CopyOnce(uint32_t index, const FileHandle& sourceFolder, const Folder& targetFolder,
                         const ByteSink& copied, PreparedContent& prepared, FileIdentity& made);
     StepResult CopyAttributes(const FileHandle& from, const FileInfo& info, PreparedContent& prepared);
     StepResult PublishMove(uint32_t index, const FileIdentity& made);

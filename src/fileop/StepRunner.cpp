@@ -14,14 +14,10 @@ namespace {
 
 // Up to this many files are made durable one by one; beyond, the volume as a whole is cheaper.
 constexpr size_t kFewFiles = 4;
-// So often a step is tried anew: somebody who takes every new name as well wins in the end.
-constexpr uint32_t kMostReplans = 16;
 // A cancel lets the group's finished contents become visible when no more than this has to reach the disk for it.
 constexpr uint64_t kQuickToSync = uint64_t{64} << 20;
-
-bool IsFull(StatusCode code) {
-    return code == StatusCode::kNoSpace || code == StatusCode::kQuota;
-}
+// A larger file is not begun ahead of its turn: the group that is ready would have to wait for it.
+constexpr uint64_t kQuickToCopy = uint64_t{64} << 20;
 
 }  // namespace
 
@@ -82,8 +78,15 @@ StepRunner::Group StepRunner::TakeGroup() {
     if (!group.empty()) return group;
     group = ahead_.empty() ? TakeNextPlanned() : std::exchange(ahead_, {});
     if (!group.empty()) return group;
-    for (; !finishLast_.empty(); finishLast_.pop_front())
-        take(finishLast_.front());
+    const auto depthOf = [this](uint32_t index) {
+        const std::string path = StoredPathOf(batch_.folders, batch_.steps[index].target.folder);
+        return std::count(path.begin(), path.end(), '/');
+    };
+    // Inner folders first: an outer one is empty only then.
+    std::stable_sort(finishLast_.begin(), finishLast_.end(),
+                     [&](uint32_t a, uint32_t b) { return depthOf(a) > depthOf(b); });
+    for (const uint32_t index : std::exchange(finishLast_, {}))
+        take(index);
     return group;
 }
 
@@ -97,8 +100,9 @@ StepRunner::Group StepRunner::TakeNextPlanned() {
     group.reserve(std::min(settings_.groupSize, batch_.steps.size() - next_));
     uint64_t bytes = 0;
     for (; next_ < batch_.steps.size() && group.size() < settings_.groupSize && bytes < settings_.groupBytes; ++next_) {
+        const size_t before = group.size();
         take(next_);
-        bytes += MakesContent(batch_.steps[next_].kind) ? batch_.steps[next_].sourceId.size : 0;
+        if (group.size() > before && MakesContent(batch_.steps[next_].kind)) bytes += batch_.steps[next_].sourceId.size;
     }
     // A step and those that depend on it stay together.
     for (; next_ < batch_.steps.size() && batch_.steps[next_].dependsOnPrevious; ++next_)
@@ -108,6 +112,7 @@ StepRunner::Group StepRunner::TakeNextPlanned() {
 
 Status StepRunner::RunGroup(Group& group) {
     folders_.CloseAll();  // each group looks anew whether the folders are still those that were chosen
+    isAheadDoubtful_ = false;
     MakeFolders(group);
     PrepareAll(group);
     AskAboutFullVolume(group);
@@ -119,6 +124,7 @@ Status StepRunner::RunGroup(Group& group) {
     }
     PublishAll(group);
     if (Status recorded = FinishTransfers(group); !recorded.ok()) return recorded;
+    if (isAheadDoubtful_) DropAhead();  // it is copied anew at its turn
     for (Slot& slot : group) {
         if (!slot.result.ok()) SettleFailure(slot);
     }
@@ -131,32 +137,34 @@ Status StepRunner::MakeSafe(Group& group) {
         SyncContents(group, batch_.header.durability == Durability::kJournal);
         return RecordPrepared(group);
     };
-    if (!preparesAhead_ || !HoldsOpen(group)) return makeSafe();
-    if (ahead_.empty() && !wasCancelled()) ahead_ = TakeNextPlanned();
+    if (!preparesAhead_ || !HoldsOpen(group) || wasCancelled()) return makeSafe();
+    if (ahead_.empty()) ahead_ = TakeNextPlanned();
     if (ahead_.empty()) return makeSafe();
     Status safe;
     {
-        const std::jthread beside([&] { safe = makeSafe(); });
-        PrepareAhead();
+        std::atomic<bool> isSafe = false;
+        const std::jthread beside([&] {  // waits for the disk, so that it takes no processor from the others
+            safe = makeSafe();
+            isSafe = true;
+        });
+        PrepareAhead(isSafe);
     }
     return safe;
 }
 
-void StepRunner::PrepareAhead() {
-    ForEach(ahead_, [this](Slot& slot) {
+void StepRunner::PrepareAhead(const std::atomic<bool>& isSafe) {
+    ForEach(ahead_, [&](Slot& slot) {
+        if (isSafe || cancel_.isCancelled()) return;  // nobody waits for more
         const Step& step = batch_.steps[slot.index];
         const bool isContent = MakesContent(step.kind) && step.sourceId.kind == FileKind::kFile && !step.isHardLink;
         const bool hasFolder = batch_.folders[step.target.folder].inode != 0;
-        if (!isContent || !hasFolder || step.dependsOnPrevious || slot.content.file.isOpen()) return;
-        if (cancel_.isCancelled()) return;
+        const bool isQuick = step.sourceId.size <= kQuickToCopy;
+        if (!isContent || !hasFolder || !isQuick || step.dependsOnPrevious || slot.content.file.isOpen()) return;
         FileIdentity& made = batch_.states[slot.index].made;
         slot.result = actor_.Prepare(
             slot.index, [](uint64_t) {}, slot.content, made);
-        if (!slot.result.ok()) return;
-        meter_.AddBytes(slot.content.source.size);
-        Count(slot);
     });
-    const bool isShort = HasTooManyOpen(ahead_);
+    const bool isShort = RanShort(ahead_);
     for (Slot& slot : ahead_)
         slot.result = {};  // the group's own turn tells whether it is a failure
     if (isShort) StopPreparingAhead();
@@ -172,9 +180,10 @@ void StepRunner::StopPreparingAhead() {
     DropAhead();
 }
 
-bool StepRunner::HasTooManyOpen(const Group& group) {
-    return std::any_of(group.begin(), group.end(),
-                       [](const Slot& slot) { return slot.result.status.code() == StatusCode::kTooManyOpen; });
+bool StepRunner::RanShort(const Group& group) {
+    return std::any_of(group.begin(), group.end(), [](const Slot& slot) {
+        return slot.result.status.code() == StatusCode::kTooManyOpen || MeansFull(slot.result.status.code());
+    });
 }
 
 bool StepRunner::HoldsOpen(const Group& group) {
@@ -193,8 +202,12 @@ void StepRunner::MakeFolders(Group& group) {
 void StepRunner::PrepareAll(Group& group) {
     ForEach(group, [this](Slot& slot) {
         const Step& step = batch_.steps[slot.index];
-        if (step.dependsOnPrevious || slot.content.file.isOpen() || cancel_.isCancelled()) return;
-        if (MakesContent(step.kind)) {
+        if (slot.content.file.isOpen()) {  // ahead of its turn
+            meter_.AddBytes(slot.content.source.size);
+            Count(slot);
+        } else if (step.dependsOnPrevious || cancel_.isCancelled()) {
+            return;
+        } else if (MakesContent(step.kind)) {
             const auto countBytes = [this](uint64_t bytes) { meter_.AddBytes(bytes); };
             slot.result = actor_.Prepare(slot.index, countBytes, slot.content, batch_.states[slot.index].made);
             if (slot.result.ok()) Count(slot);  // what is left for it is quick
@@ -203,33 +216,17 @@ void StepRunner::PrepareAll(Group& group) {
         }
     });
     // Without descriptors left the rest of the group waits until this part of it is done and closed.
-    const bool hasAny = HoldsOpen(group) || HoldsOpen(ahead_);
-    if (HasTooManyOpen(group)) StopPreparingAhead();
+    const bool hasAhead = HoldsOpen(ahead_);
+    const bool hasAny = HoldsOpen(group) || hasAhead;
+    if (RanShort(group)) StopPreparingAhead();
     for (Slot& slot : group) {
         if (slot.result.ok()) continue;
-        if (slot.result.status.code() == StatusCode::kTooManyOpen && hasAny) {
+        const StatusCode code = slot.result.status.code();
+        if ((code == StatusCode::kTooManyOpen && hasAny) || (MeansFull(code) && hasAhead)) {
             again_.push_back(slot.index);
             slot.isSettled = true;
         } else if (slot.result.reason == ItemReason::kCancelled) {
             slot.isSettled = true;  // stays pending
-        }
-    }
-}
-
-void StepRunner::AskAboutFullVolume(Group& group) {
-    for (Slot& slot : group) {
-        if (slot.isSettled || !IsFull(slot.result.status.code()) || resolver_ == nullptr || isCancelled_) continue;
-        const std::u16string path = InnerPathOf(services_.codec, batch_.folders, batch_.steps[slot.index].target);
-        switch (resolver_->ResolveFailure(path, slot.result.status)) {
-            case FailureAnswer::kRetry:
-                again_.push_back(slot.index);
-                slot.isSettled = true;
-                break;
-            case FailureAnswer::kCancel:
-                isCancelled_ = true;
-                break;
-            case FailureAnswer::kSkip:
-                break;
         }
     }
 }
@@ -275,6 +272,7 @@ void StepRunner::SyncVolumeOf(uint32_t folder, const std::vector<Slot*>& slots) 
     const auto opened = folders_.Open(folder);
     const Status synced = opened.ok() ? services_.sys.SyncVolume(**opened) : opened.status();
     if (synced.ok()) return;
+    isAheadDoubtful_ = true;  // the system tells of a failure once
     for (Slot* slot : slots)
         slot->result = {ItemReason::kSystem, synced};
 }
@@ -352,7 +350,7 @@ void StepRunner::FinishFolders(Group& group) {
         const bool isLast = next_ == batch_.steps.size() && ahead_.empty();
         const bool hasNewSteps = !isLast && batch_.steps.size() > plannedSteps_;
         if (IsFolderStep(step.kind) && (!again_.empty() || hasNewSteps)) {
-            finishLast_.push_front(slot.index);
+            finishLast_.push_back(slot.index);
             continue;
         }
         if (step.dependsOnPrevious) {
@@ -403,67 +401,6 @@ Status StepRunner::RecordOutcome(Group& group) {
     return journal_.Flush();
 }
 
-void StepRunner::SettleFailure(Slot& slot) {
-    const bool isPutOff = std::find(again_.begin(), again_.end(), slot.index) != again_.end();
-    if (isPutOff || slot.result.reason == ItemReason::kCancelled) return;
-    if (TryWithFewerOpen(slot) || TryReplan(slot)) return;
-    StepState& state = batch_.states[slot.index];
-    const bool isSkip =
-        slot.result.reason == ItemReason::kConflictSkipped || slot.result.reason == ItemReason::kNotThereAnyMore;
-    state.progress = isSkip ? StepProgress::kSkipped : StepProgress::kFailed;
-    state.reason = slot.result.reason;
-    state.status = slot.result.status;
-    Count(slot);
-}
-
-bool StepRunner::TryWithFewerOpen(Slot& slot) {
-    if (slot.result.status.code() != StatusCode::kTooManyOpen || replans_[slot.index]++ >= kMostReplans) return false;
-    folders_.KeepFewOpen();
-    StopPreparingAhead();
-    batch_.states[slot.index] = {};
-    again_.push_back(slot.index);
-    return true;
-}
-
-bool StepRunner::TryReplan(Slot& slot) {
-    const auto stepCount = static_cast<uint32_t>(batch_.steps.size());
-    Replan decision = Replan::kFailed;
-    if (replans_[slot.index]++ >= kMostReplans) return false;
-    if (planner_ != nullptr && slot.result.reason == ItemReason::kTargetTaken &&
-        batch_.steps[slot.index].kind != StepKind::kMakeFolder) {
-        decision = planner_->ReplanTaken(slot.index);
-    } else if (planner_ != nullptr && slot.result.status.code() == StatusCode::kCrossVolume &&
-               IsMove(batch_.steps[slot.index].kind)) {
-        decision = planner_->ReplanAsTransfer(slot.index);
-    }
-    switch (decision) {
-        case Replan::kFailed:
-            return false;
-        case Replan::kSkipped:
-            slot.result = {ItemReason::kConflictSkipped, {}};
-            return false;
-        case Replan::kCancelled:
-            isCancelled_ = true;
-            return true;
-        case Replan::kAgain:
-            break;
-    }
-    batch_.states[slot.index] = {};
-    Rejournal(slot.index);
-    for (uint32_t added = stepCount; added < batch_.steps.size(); ++added)
-        Rejournal(added);
-    again_.push_back(slot.index);
-    return true;
-}
-
-void StepRunner::Rejournal(uint32_t index) {
-    for (; journaledFolders_ < batch_.folders.size(); ++journaledFolders_) {
-        journal_.Append(RecordType::kFolder, EncodeFolder(batch_.folders[journaledFolders_]));
-    }
-    journal_.Append(RecordType::kStep, EncodeStep(index, batch_.steps[index]));
-    mustSyncJournal_ = true;
-}
-
 void StepRunner::ForEach(Group& group, const std::function<void(Slot&)>& work) {
     std::vector<Slot*> open;
     std::vector<uint32_t> indices;
@@ -473,11 +410,14 @@ void StepRunner::ForEach(Group& group, const std::function<void(Slot&)>& work) {
         indices.push_back(slot.index);
     }
     const std::vector<std::vector<size_t>> runs = SplitByFolder(batch_.steps, indices);
+    const std::thread::id caller = std::this_thread::get_id();
     const auto workOff = [&](size_t run) {
-        for (const size_t position : runs[run])
+        for (const size_t position : runs[run]) {
             work(*open[position]);
+            if (std::this_thread::get_id() == caller) Tick(group);
+        }
     };
-    ForEachParallel(runs.size(), 1, settings_.threads, workOff, [&] { Tick(group); });
+    ForEachParallel(runs.size(), 1, settings_.threads, workOff, [] {});
 }
 
 void StepRunner::Tick(const Group& group) {

@@ -2,6 +2,7 @@
 // journal, and only then named. After a crash at any point the journal tells of every step what can have happened.
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 #include <deque>
 #include <string>
@@ -52,8 +53,8 @@ class StepRunner {
     Status RunGroup(Group& group);
     void MakeFolders(Group& group);
     void PrepareAll(Group& group);
-    // What the next group can have ready while the disk is busy with this one.
-    void PrepareAhead();
+    // What the next group can have ready while the disk is busy with this one, that is until `isSafe`.
+    void PrepareAhead(const std::atomic<bool>& isSafe);
     // Gives back what that holds open; the steps stay pending.
     void DropAhead();
     // The same, and holds nothing open for a later group from now on.
@@ -73,7 +74,8 @@ class StepRunner {
     void Count(Slot& slot);
     // Decides what becomes of a step that did not work out.
     void SettleFailure(Slot& slot);
-    static bool HasTooManyOpen(const Group& group);
+    // Whether descriptors or room have run out.
+    static bool RanShort(const Group& group);
     static bool HoldsOpen(const Group& group);
     // Writes a changed or new step, with folders that only it uses, into the journal.
     void Rejournal(uint32_t index);
@@ -94,14 +96,15 @@ class StepRunner {
     const RunnerSettings settings_;
     StepActor actor_;
     size_t journaledFolders_;
-    const size_t plannedSteps_;        // before anything had to be planned anew
-    uint32_t next_ = 0;                // first step that was in no group yet
-    Group ahead_;                      // the group after the one that is run; what it has prepared has no name yet
-    bool preparesAhead_;               // not with one thread, and not once descriptors have run out
-    std::deque<uint32_t> again_;       // steps that are to be tried once more
-    std::deque<uint32_t> finishLast_;  // ends of folders that still get something, the innermost first
-    bool mustSyncJournal_ = false;     // the plan was changed since the last sync
-    bool isPreparedDurable_ = false;   // the last group's identities of prepared contents
+    const size_t plannedSteps_;         // before anything had to be planned anew
+    uint32_t next_ = 0;                 // first step that was in no group yet
+    Group ahead_;                       // the group after the one that is run; what it has prepared has no name yet
+    bool isAheadDoubtful_ = false;      // a failed sync may have been about what that has written
+    bool preparesAhead_;                // not with one thread, and not once descriptors have run out
+    std::deque<uint32_t> again_;        // steps that are to be tried once more
+    std::vector<uint32_t> finishLast_;  // ends of folders that still get something
+    bool mustSyncJournal_ = false;      // the plan was changed since the last sync
+    bool isPreparedDurable_ = false;    // the last group's identities of prepared contents
     bool isCancelled_ = false;
     std::unordered_map<uint32_t, uint32_t> replans_;  // how often each step was planned anew
 };

@@ -33,6 +33,16 @@ class AheadTest : public testing::TestWithParam<bool> {
         return world_.Run(faults, jobs_, {.conflicts = ConflictAnswer::kSkip, .durability = durability, .threads = 2},
                           nullptr, cancel);
     }
+    // The first sync of a volume takes until something of the next group is made.
+    void WaitForTheNextGroup(FaultSys& faults) {
+        faults.AtKind(SysCall::kSyncVolume, 1, Fault::Hook([this, &faults] {
+                          const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(20);
+                          while (!wasAhead_ && std::chrono::steady_clock::now() < deadline) {
+                              wasAhead_ = faults.CountOf(MakingCall()) > kGroup + 9;
+                              std::this_thread::yield();
+                          }
+                      }));
+    }
     // Nothing is left of a batch whose visible part an undo has taken back.
     void ExpectUntouched(const FaultSys& faults) {
         EXPECT_EQ(faults.openHandles(), 0u);
@@ -47,6 +57,7 @@ class AheadTest : public testing::TestWithParam<bool> {
     MemorySys disk_;
     std::vector<Job> jobs_;
     std::string before_;
+    bool wasAhead_ = false;
 };
 
 INSTANTIATE_TEST_SUITE_P(Volumes, AheadTest, testing::Bool(),
@@ -54,19 +65,26 @@ INSTANTIATE_TEST_SUITE_P(Volumes, AheadTest, testing::Bool(),
 
 TEST_P(AheadTest, TheNextGroupIsPreparedWhileTheDiskIsBusy) {
     FaultSys faults(disk_);
-    bool wasAhead = false;
-    faults.AtKind(SysCall::kSyncVolume, 1, Fault::Hook([&] {
-                      const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(20);
-                      while (!wasAhead && std::chrono::steady_clock::now() < deadline) {
-                          wasAhead = faults.CountOf(MakingCall()) > kGroup + 1;
-                          std::this_thread::yield();
-                      }
-                  }));
+    WaitForTheNextGroup(faults);
     EXPECT_EQ(Run(faults, Durability::kContent).done, kItems);
-    EXPECT_TRUE(wasAhead);
+    EXPECT_TRUE(wasAhead_);
     for (const Job& job : {jobs_.front(), jobs_.back()})
         EXPECT_EQ(disk_.ReadFile(job.folder + job.source.substr(3)), job.source);
     EXPECT_EQ(world_.Undo(disk_).done, kItems);
+    ExpectUntouched(faults);
+}
+
+// The system tells of a failed write once, and nobody knows whose it was.
+TEST_P(AheadTest, AfterAFailedSyncTheNextGroupIsCopiedAnew) {
+    FaultSys failing(disk_);
+    failing.AtKind(SysCall::kSyncVolume, 1, Fault::Fail(StatusCode::kIo));
+    FaultSys faults(static_cast<Sys&>(failing));
+    WaitForTheNextGroup(faults);
+    const BatchResult result = Run(faults, Durability::kContent);
+    EXPECT_EQ(result.failed, kGroup);
+    EXPECT_EQ(result.done, kItems - kGroup);
+    EXPECT_GT(faults.CountOf(MakingCall()), kItems + 1);
+    EXPECT_EQ(world_.Undo(disk_).done, kItems - kGroup);
     ExpectUntouched(faults);
 }
 

@@ -42,6 +42,11 @@ enum class StatusCode : uint8_t {
     kOther,
 };
 
+// Whether there is no room left: on the volume, or in the user's share of it.
+constexpr bool MeansFull(StatusCode code) {
+    return code == StatusCode::kNoSpace || code == StatusCode::kQuota;
+}
+
 class [[nodiscard]] Status {
   public:
     Status() = default;  // success

@@ -7,6 +7,7 @@
 #include "cli/ConsoleProgress.h"
 #include "cli/ExistenceCheck.h"
 #include "cli/SortingPlan.h"
+#include "fileop/Parallel.h"
 
 namespace kinsort {
 namespace {
@@ -40,6 +41,26 @@ OperationPolicy PolicyOf(const CommandLine& line) {
     return policy;
 }
 
+// Tells of the items that have no folder to go to whether they are there at all.
+void ReportUnmatched(CliContext& context, std::vector<std::u16string> paths, unsigned threads, BatchReport& report) {
+    std::vector<Status> there(paths.size());
+    ExistenceCheck existence(context.services);
+    const auto look = [&](size_t i) {
+        if (!context.cancel.isCancelled()) there[i] = existence.Look(paths[i]);
+    };
+    ForEachParallel(paths.size(), 64, threads, look, [] {});
+    std::vector<MissingItem> missing;
+    for (size_t i = 0; i < paths.size(); ++i) {
+        if (there[i].ok()) {
+            report.withoutCandidate.push_back(std::move(paths[i]));
+        } else {
+            missing.push_back({context.NativePath(paths[i]), context.NativePath(paths[i]), there[i]});
+        }
+    }
+    SayMissing(context, missing);
+    report.missing.insert(report.missing.end(), missing.begin(), missing.end());
+}
+
 }  // namespace
 
 ExitCode RunSort(CliContext& context, const CommandLine& line) {
@@ -65,27 +86,20 @@ ExitCode RunSort(CliContext& context, const CommandLine& line) {
     report.journalFolder = engine->journalFolder;
     FileOperation operation(*engine);
     operation.SetPolicy(PolicyOf(line));
-    std::vector<MissingItem> missing;
-    ExistenceCheck existence(context.services);
+    std::vector<std::u16string> unmatched;
     for (size_t i = 0; i < plan.rows.GetCount(); ++i) {
         std::u16string& path = plan.rows[i].strPath;
         std::u16string target = TargetFolderOf(plan, i);
         if (target.empty()) {
-            if (const Status there = existence.Look(path); there.ok()) {
-                report.withoutCandidate.push_back(std::move(path));
-            } else {
-                const std::string native = context.NativePath(path);
-                missing.push_back({native, native, there});
-            }
+            unmatched.push_back(std::move(path));
         } else if (report.action == BatchAction::kMove) {
             operation.MoveItems(std::move(path), std::move(target));
         } else {
             operation.CopyItems(std::move(path), std::move(target));
         }
     }
-    SayMissing(context, missing);
     report.missing = std::move(plan.missing);
-    report.missing.insert(report.missing.end(), missing.begin(), missing.end());
+    ReportUnmatched(context, std::move(unmatched), PolicyOf(line).threads, report);
     {
         ConsoleProgress progress(context, report.action);
         ConsoleAsker asker(context, progress);
