@@ -101,7 +101,7 @@ def main():
     parser = argparse.ArgumentParser()
     parser.add_argument("kinsort")
     parser.add_argument("--work", default=None, help="folder on the volume to measure")
-    parser.add_argument("--runs", type=int, default=5)
+    parser.add_argument("--runs", type=int, default=9)
     parser.add_argument("--only", default="")
     options = parser.parse_args()
     kinsort = os.path.abspath(options.kinsort)
@@ -120,8 +120,11 @@ def measure(kinsort, work, options):
         pairs = []
         for run in range(options.runs + 1):
             base = tempfile.mkdtemp(dir=work)
-            mine = sort(kinsort, Tree(os.path.join(base, "a"), folders, files, size), mode, durability)
-            theirs = peer(Tree(os.path.join(base, "b"), folders, files, size), command, syncs, one)
+            sides = [lambda tree: sort(kinsort, tree, mode, durability), lambda tree: peer(tree, command, syncs, one)]
+            seconds = [0.0, 0.0]
+            for side in (0, 1) if run % 2 == 0 else (1, 0):  # in turn, so that neither always comes second
+                seconds[side] = sides[side](Tree(os.path.join(base, "ab"[side]), folders, files, size))
+            mine, theirs = seconds
             if size > 1 << 20:  # few files, much room
                 shutil.rmtree(base)
                 os.sync()
