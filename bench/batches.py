@@ -123,11 +123,12 @@ def measure(kinsort, work, options):
             sides = [lambda tree: sort(kinsort, tree, mode, durability), lambda tree: peer(tree, command, syncs, one)]
             seconds = [0.0, 0.0]
             for side in (0, 1) if run % 2 == 0 else (1, 0):  # in turn, so that neither always comes second
-                seconds[side] = sides[side](Tree(os.path.join(base, "ab"[side]), folders, files, size))
+                tree = Tree(os.path.join(base, "ab"[side]), folders, files, size)
+                seconds[side] = sides[side](tree)
+                if size > 1 << 20:  # few files that fill the memory: both sides begin with as much of it free
+                    shutil.rmtree(tree.base)
+                    os.sync()
             mine, theirs = seconds
-            if size > 1 << 20:  # few files, much room
-                shutil.rmtree(base)
-                os.sync()
             if run > 0:  # the first pair warms up
                 pairs.append((mine / theirs, mine, theirs))
         pairs.sort()
