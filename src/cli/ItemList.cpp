@@ -55,7 +55,7 @@ void AddItems(CliContext& context, size_t count, unsigned threads, ItemCheck wan
     };
     std::vector<Looked> looked(count);
     ExistenceCheck existence(context.services);
-    const auto look = [&](size_t i) {
+    const auto look = [&](size_t i, bool) {
         if (context.cancel.isCancelled()) return;
         looked[i].path = resolve(i);
         const Result<std::u16string>& path = looked[i].path;
@@ -63,8 +63,7 @@ void AddItems(CliContext& context, size_t count, unsigned threads, ItemCheck wan
                            : wanted == ItemCheck::kExists ? existence.Look(*path)
                                                           : ExistenceCheck::CheckHasName(*path);
     };
-    constexpr size_t kGrain = 64;
-    ForEachParallel(count, kGrain, threads, look, [] {});
+    ForEachParallel(count, threads, look);
     if (context.cancel.isCancelled()) return;
     for (size_t i = 0; i < count; ++i) {
         auto& [path, status] = looked[i];

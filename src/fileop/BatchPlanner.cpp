@@ -50,7 +50,6 @@ BatchPlanner::BatchPlanner(const FileOperationServices& services, Batch& batch, 
 bool BatchPlanner::PlanItems(std::span<const QueuedItem> requests, unsigned threads,
                              const std::function<bool(const QueuedItem&)>& goesOn) {
     constexpr size_t kBlock = 4096;  // enough to keep the threads busy, little enough to hold
-    constexpr size_t kGrain = 64;    // neighbours are often in the same folder: let one thread have them
     batch_.items.reserve(requests.size());
     batch_.steps.reserve(requests.size());
     batch_.states.reserve(requests.size());
@@ -65,8 +64,7 @@ bool BatchPlanner::PlanItems(std::span<const QueuedItem> requests, unsigned thre
         }
         std::vector<std::unique_ptr<FolderNames>> listed;
         ListDestinations(looked, listed);
-        const auto look = [&](size_t i) { LookAt(looked[i]); };
-        ForEachParallel(block.size(), kGrain, threads, look, [] {});
+        ForEachParallel(block.size(), threads, [&](size_t i, bool) { LookAt(looked[i]); });
         for (size_t i = 0; i < block.size(); ++i) {
             if (!goesOn(block[i]) || !PlanItem(block[i], looked[i])) return false;
         }

@@ -9,18 +9,16 @@
 
 namespace kinsort {
 
-// Calls work(i) once for each i below `count`, on up to `threads` threads, and returns when all calls have returned.
-// A thread takes `grain` neighbours at a time, at least 1. `meanwhile` is called now and then on the calling thread,
-// between its own pieces.
-inline void ForEachParallel(size_t count, size_t grain, unsigned threads, const std::function<void(size_t)>& work,
-                            const std::function<void()>& meanwhile) {
+// Calls work(i, isCaller) once for each i below `count`, on up to `threads` threads, and returns when all calls have
+// returned. `isCaller` is whether it is called on the calling thread: the one that may show how far things are. A
+// thread takes `grain` neighbours at a time, at least 1: they are often in the same folder.
+inline void ForEachParallel(size_t count, unsigned threads, const std::function<void(size_t, bool)>& work,
+                            size_t grain = 64) {
     std::atomic<size_t> next{0};
     const auto takeRuns = [&](bool isCaller) {
         for (size_t begin = next.fetch_add(grain); begin < count; begin = next.fetch_add(grain)) {
-            for (size_t i = begin; i < count && i < begin + grain; ++i) {
-                work(i);
-                if (isCaller) meanwhile();
-            }
+            for (size_t i = begin; i < count && i < begin + grain; ++i)
+                work(i, isCaller);
         }
     };
     std::vector<std::jthread> helpers;

@@ -19,13 +19,14 @@ TEST(ParallelTest, EveryPieceIsWorkedOnOnceWhateverTheNumbers) {
             std::set<std::thread::id> meanwhileOn;
             std::set<std::thread::id> workers;
             ForEachParallel(
-                count, 8, threads,
-                [&](size_t i) {
+                count, threads,
+                [&](size_t i, bool isCaller) {
                     calls[i].fetch_add(1);
                     const std::lock_guard lock(mutex);
                     workers.insert(std::this_thread::get_id());
+                    if (isCaller) meanwhileOn.insert(std::this_thread::get_id());
                 },
-                [&] { meanwhileOn.insert(std::this_thread::get_id()); });
+                8);
             EXPECT_TRUE(std::all_of(calls.begin(), calls.end(), [](const auto& n) { return n == 1; }));
             EXPECT_LE(workers.size(), std::max(threads, 1u));
             meanwhileOn.erase(std::this_thread::get_id());
@@ -38,13 +39,13 @@ TEST(ParallelTest, TheThreadsReallyWorkAtTheSameTime) {
     std::barrier meet(2);  // the first piece of each of two threads waits for the other's
     std::atomic<int> met{0};
     ForEachParallel(
-        16, 8, 2,
-        [&](size_t i) {
+        16, 2,
+        [&](size_t i, bool) {
             if (i % 8 != 0) return;
             meet.arrive_and_wait();
             ++met;
         },
-        [] {});
+        8);
     EXPECT_EQ(met, 2);
 }
 

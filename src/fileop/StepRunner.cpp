@@ -40,40 +40,39 @@ StepRunner::StepRunner(const FileOperationServices& services, Batch& batch, Fold
 
 Status StepRunner::Run() {
     meter_.SetPhase(BatchPhase::kRunning);
-    while (!wasCancelled()) {
+    Status done;
+    while (done.ok() && !wasCancelled()) {
         Group group = TakeGroup();
         if (group.empty()) break;
-        if (Status done = RunGroup(group); !done.ok()) {
-            DropAhead();
-            return done;
-        }
+        done = RunGroup(group);
     }
     DropAhead();
+    if (!done.ok()) return done;
     Group owed = TakeOwed();
     return owed.empty() ? Status() : RunGroup(owed);
+}
+
+bool StepRunner::TakePending(uint32_t index, Group& group) const {
+    if (batch_.states[index].progress != StepProgress::kPending) return false;
+    group.emplace_back();
+    group.back().index = index;
+    return true;
 }
 
 // Second steps of pairs whose first is done: what a cancel or a crash came between.
 StepRunner::Group StepRunner::TakeOwed() {
     Group group;
     for (uint32_t i = 1; i < batch_.steps.size(); ++i) {
-        if (!batch_.steps[i].dependsOnPrevious || batch_.states[i].progress != StepProgress::kPending) continue;
-        if (batch_.states[i - 1].progress != StepProgress::kDone) continue;
-        group.emplace_back();
-        group.back().index = i;
+        const bool isFirstDone = batch_.states[i - 1].progress == StepProgress::kDone;
+        if (batch_.steps[i].dependsOnPrevious && isFirstDone) TakePending(i, group);
     }
     return group;
 }
 
 StepRunner::Group StepRunner::TakeGroup() {
     Group group;
-    const auto take = [&](uint32_t index) {
-        if (batch_.states[index].progress != StepProgress::kPending) return;
-        group.emplace_back();
-        group.back().index = index;
-    };
     for (; !again_.empty() && group.size() < settings_.groupSize; again_.pop_front())
-        take(again_.front());
+        TakePending(again_.front(), group);
     // What was put off may be what the rest depends on.
     if (!group.empty()) return group;
     group = ahead_.empty() ? TakeNextPlanned() : std::exchange(ahead_, {});
@@ -86,27 +85,21 @@ StepRunner::Group StepRunner::TakeGroup() {
     std::stable_sort(finishLast_.begin(), finishLast_.end(),
                      [&](uint32_t a, uint32_t b) { return depthOf(a) > depthOf(b); });
     for (const uint32_t index : std::exchange(finishLast_, {}))
-        take(index);
+        TakePending(index, group);
     return group;
 }
 
 StepRunner::Group StepRunner::TakeNextPlanned() {
     Group group;
-    const auto take = [&](uint32_t index) {
-        if (batch_.states[index].progress != StepProgress::kPending) return;
-        group.emplace_back();
-        group.back().index = index;
-    };
     group.reserve(std::min(settings_.groupSize, batch_.steps.size() - next_));
     uint64_t bytes = 0;
     for (; next_ < batch_.steps.size() && group.size() < settings_.groupSize && bytes < settings_.groupBytes; ++next_) {
-        const size_t before = group.size();
-        take(next_);
-        if (group.size() > before && MakesContent(batch_.steps[next_].kind)) bytes += batch_.steps[next_].sourceId.size;
+        const Step& step = batch_.steps[next_];
+        if (TakePending(next_, group) && MakesContent(step.kind)) bytes += step.sourceId.size;
     }
     // A step and those that depend on it stay together.
     for (; next_ < batch_.steps.size() && batch_.steps[next_].dependsOnPrevious; ++next_)
-        take(next_);
+        TakePending(next_, group);
     return group;
 }
 
@@ -410,14 +403,13 @@ void StepRunner::ForEach(Group& group, const std::function<void(Slot&)>& work) {
         indices.push_back(slot.index);
     }
     const std::vector<std::vector<size_t>> runs = SplitByFolder(batch_.steps, indices);
-    const std::thread::id caller = std::this_thread::get_id();
-    const auto workOff = [&](size_t run) {
+    const auto workOff = [&](size_t run, bool isCaller) {
         for (const size_t position : runs[run]) {
             work(*open[position]);
-            if (std::this_thread::get_id() == caller) Tick(group);
+            if (isCaller) Tick(group);
         }
     };
-    ForEachParallel(runs.size(), 1, settings_.threads, workOff, [] {});
+    ForEachParallel(runs.size(), settings_.threads, workOff, 1);
 }
 
 void StepRunner::Tick(const Group& group) {

@@ -50,6 +50,8 @@ class StepRunner {
     Group TakeGroup();
     Group TakeNextPlanned();
     Group TakeOwed();
+    // Adds the step when it is pending; returns whether it is.
+    bool TakePending(uint32_t index, Group& group) const;
     Status RunGroup(Group& group);
     void MakeFolders(Group& group);
     void PrepareAll(Group& group);

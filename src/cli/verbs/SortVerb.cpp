@@ -45,10 +45,10 @@ OperationPolicy PolicyOf(const CommandLine& line) {
 void ReportUnmatched(CliContext& context, std::vector<std::u16string> paths, unsigned threads, BatchReport& report) {
     std::vector<Status> there(paths.size());
     ExistenceCheck existence(context.services);
-    const auto look = [&](size_t i) {
+    const auto look = [&](size_t i, bool) {
         if (!context.cancel.isCancelled()) there[i] = existence.Look(paths[i]);
     };
-    ForEachParallel(paths.size(), 64, threads, look, [] {});
+    ForEachParallel(paths.size(), threads, look);
     std::vector<MissingItem> missing;
     for (size_t i = 0; i < paths.size(); ++i) {
         if (there[i].ok()) {
